@@ -1,0 +1,50 @@
+// What the alignment rules are asked about one plane of a surface.
+#pragma once
+
+#include <cstdint>
+
+#include "formats/format_traits.h"
+#include "include/korvel_utils.h"
+
+namespace korvel {
+
+// Wrapping 32-bit counts; elements and rows of elements.
+struct Extent {
+  uint32_t width;
+  uint32_t height;
+};
+
+struct AlignmentRequest {
+  FormatId format_id;
+  const FormatTraits& format;  // of format_id
+  uint32_t plane;
+  uint32_t samples;
+  uint32_t tiling_mode;
+  uint32_t selector;             // half of the pitch-padding table
+  int32_t min_padded_row_bytes;  // rows of at most this many bytes are not padded
+  uint32_t divisor;              // of the linear width's alignment in bytes
+  Extent extra;                  // elements and rows added before the alignment
+};
+
+// A linear surface of the one format whose heights take whole 64 rows, and nothing else.
+constexpr bool takes_64_rows(const AlignmentRequest& request) {
+  return request.format_id == kFormat64Rows && request.tiling_mode != KORVEL_TILING_TILED;
+}
+
+constexpr bool is_tiled(const AlignmentRequest& request) {
+  return request.tiling_mode == KORVEL_TILING_TILED;
+}
+
+// Bytes of an element, with all its samples when tiled.
+constexpr uint32_t element_bytes(const AlignmentRequest& request) {
+  const uint32_t bytes = plane_bytes(request.format, request.plane);
+  return is_tiled(request) ? bytes * request.samples : bytes;
+}
+
+// Linear rows of more bytes than the request's threshold are padded, compared as signed.
+constexpr bool exceeds_padding_threshold(const AlignmentRequest& request, uint32_t width,
+                                         uint32_t bytes) {
+  return static_cast<int32_t>(width * bytes) > request.min_padded_row_bytes;
+}
+
+}  // namespace korvel

@@ -1,0 +1,147 @@
+// What the surface rules ask about a format, gathered at compile time into one 16-byte row per
+// format.
+#pragma once
+
+#include <array>
+#include <cstdint>
+
+#include "formats/block_dims.h"
+#include "formats/format_ids.h"
+#include "formats/format_table.h"
+#include "formats/plane_formats.h"
+#include "formats/sample_tiles.h"
+#include "formats/substitute_formats.h"
+#include "formats/tall_tile_formats.h"
+
+namespace korvel {
+
+// Yes-or-no questions of the rules, one bit each.
+enum FormatRule : uint16_t {
+  kRuleDepthStencil = 0x1,              // always laid out tiled
+  kRuleBlockCompressed = 0x2,           // surface sizes are turned into blocks first
+  kRuleBlockFamily5 = 0x4,              // family 5 aligns its linear width in blocks
+  kRuleBlockFamily67 = 0x8,             // families 6 and 7 align its linear width in blocks
+  kRuleUnpaddedPitch = 0x10,            // its linear pitch is never padded
+  kRuleWideByteTile = 0x20,             // 1-byte elements in a tile twice as wide and half as high
+  kRuleTallTileFamily5 = 0x40,          // 2-byte elements in the tall tile
+  kRuleTallTileFamily67 = 0x80,         //
+  kRuleTallSampleTileFamily5 = 0x100,   // 2-byte elements in the tall sample tile
+  kRuleTallSampleTileFamily67 = 0x200,  //
+  kRuleSampleTileByFormat = 0x400,      // families 6 and 7 know its sample tile by format alone
+};
+
+struct FormatTraits {
+  uint16_t plane_index[kPlanes];  // row of the format that describes each plane
+  uint16_t rules;                 // FormatRule
+  uint8_t bytes;                  // the record's element size
+  uint8_t substitute_bytes;       // that of the substitute: a power of two
+  uint8_t plane_bytes[kPlanes];   // element size of each plane, 0 where there is none
+  uint8_t block_width;            // texels
+  uint8_t block_height;           // texels
+  uint8_t sample_tile;            // row of kVideoSampleTiles
+};
+static_assert(sizeof(FormatTraits) == 16);
+
+// Beyond the formats of the table: any id without a record, and the one four-character code.
+inline constexpr uint32_t kTraitsWithoutRecord = kFormatCount;
+inline constexpr uint32_t kTraitsWxb7 = kFormatCount + 1;
+inline constexpr uint32_t kTraitsCount = kFormatCount + 2;
+
+constexpr bool is_wide_byte_format(FormatId format) {
+  return format == 660 || format == 661;
+}
+
+// Formats that family 5 aligns in blocks although they lack the block-compressed flag.
+constexpr bool is_block_like_on_family5(FormatId format) {
+  constexpr IdRange kBlockLike[] = {{107}, {614}, {654, 656}};
+  return contains(kBlockLike, format);
+}
+
+constexpr uint16_t format_rules(FormatId format) {
+  const uint32_t flags = format_record(format).flags;
+  const bool compressed = (flags & FORMAT_FLAG_BLOCK_COMPRESSED) != 0;
+  const bool video = (flags & FORMAT_FLAG_VIDEO) != 0;
+  const auto bit = [](bool yes, FormatRule rule) { return yes ? uint32_t{rule} : 0; };
+  return static_cast<uint16_t>(
+      bit((flags & FORMAT_FLAG_DEPTH_STENCIL) != 0, kRuleDepthStencil) |
+      bit(compressed, kRuleBlockCompressed) |
+      bit(compressed || is_block_like_on_family5(format), kRuleBlockFamily5) |
+      bit((flags & kFormatFlagsBlock) != 0, kRuleBlockFamily67) |
+      bit(compressed || video, kRuleUnpaddedPitch) |
+      bit(is_wide_byte_format(format), kRuleWideByteTile) |
+      bit(contains(kTallTileFormatsFamily5, format), kRuleTallTileFamily5) |
+      bit(contains(kTallTileFormatsFamily67, format), kRuleTallTileFamily67) |
+      bit(contains(kTallSampleTileFormatsFamily5, format), kRuleTallSampleTileFamily5) |
+      bit(contains(kTallSampleTileFormatsFamily67, format), kRuleTallSampleTileFamily67) |
+      bit(video, kRuleSampleTileByFormat));
+}
+
+constexpr FormatTraits traits_of(FormatId format) {
+  FormatTraits traits{};
+  for (uint16_t& plane : traits.plane_index) plane = static_cast<uint16_t>(format);
+  traits.plane_bytes[0] = static_cast<uint8_t>(format_record(format).bytes);
+  traits.rules = format_rules(format);
+  traits.bytes = static_cast<uint8_t>(format_record(format).bytes);
+  traits.substitute_bytes =
+      static_cast<uint8_t>(format_record(npot_substitute_format(format)).bytes);
+  traits.block_width = static_cast<uint8_t>(format_block_dims(format).width);
+  traits.block_height = static_cast<uint8_t>(format_block_dims(format).height);
+  traits.sample_tile = kVideoSampleTileRow[format];
+  return traits;
+}
+
+// An unused id of the table serves every id beyond it.
+constexpr FormatTraits traits_without_record(uint32_t index, uint16_t rules) {
+  FormatTraits traits = traits_of(kFormatUnknown);
+  for (uint16_t& plane : traits.plane_index) plane = static_cast<uint16_t>(index);
+  traits.rules = rules;
+  return traits;
+}
+
+inline constexpr auto kFormatTraits = [] {
+  std::array<FormatTraits, kTraitsCount> traits{};
+  for (FormatId id = 0; id < kFormatCount; ++id) traits[id] = traits_of(id);
+  for (const PlaneFormatRow& row : kPlaneFormatRows) {
+    for (uint32_t plane = 0; plane < kPlanes; ++plane) {
+      traits[row.format].plane_index[plane] = static_cast<uint16_t>(row.plane[plane]);
+      traits[row.format].plane_bytes[plane] = static_cast<uint8_t>(row.bytes[plane]);
+    }
+  }
+  traits[kTraitsWithoutRecord] = traits_without_record(kTraitsWithoutRecord, 0);
+  traits[kTraitsWxb7] =
+      traits_without_record(kTraitsWxb7, kRuleUnpaddedPitch | kRuleSampleTileByFormat);
+  return traits;
+}();
+
+// Rules that test a tile bit test it on the substitute as well as on the format itself: substituted
+// formats have none.
+static_assert([] {
+  for (FormatId id = 0; id < kFormatCount; ++id) {
+    constexpr uint32_t kTileRules =
+        kRuleWideByteTile | kRuleTallTileFamily5 | kRuleTallTileFamily67;
+    const FormatId substitute = npot_substitute_format(id);
+    if (substitute == id) continue;
+    if (((kFormatTraits[id].rules | kFormatTraits[substitute].rules) & kTileRules) != 0)
+      return false;
+  }
+  return true;
+}());
+
+// Any 32-bit value; it is never used as an index unless the table holds it.
+constexpr const FormatTraits& format_traits(FormatId format) {
+  if (format < kFormatCount) [[likely]]
+    return kFormatTraits[format];
+  return kFormatTraits[format == kFormatWxb7 ? kTraitsWxb7 : kTraitsWithoutRecord];
+}
+
+// The format that describes one plane; the format itself for a plane that no format has.
+constexpr const FormatTraits& plane_traits(const FormatTraits& format, uint32_t plane) {
+  return plane < kPlanes ? kFormatTraits[format.plane_index[plane]] : format;
+}
+
+// Bytes of one element of a plane, 0 where the format has no such plane.
+constexpr uint32_t plane_bytes(const FormatTraits& format, uint32_t plane) {
+  return plane < kPlanes ? format.plane_bytes[plane] : 0;
+}
+
+}  // namespace korvel

@@ -1,0 +1,7 @@
+#include "formats/ubwc_formats.h"
+#include "identify/gpu_identity.h"
+#include "include/korvel_utils.h"
+
+uint32_t isUBWCSupportedByGpu(uint32_t format) {
+  return korvel::ubwc_supported(korvel::identified_chip(), format);
+}

@@ -1,0 +1,45 @@
+// Which GPU this process runs on: the library's only state.
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+
+#include "identify/chip_row.h"
+
+namespace korvel {
+
+// Two words stand for the identity. The chip's family id, model code and revision id are constants
+// of its row and are not stored again: a thread sees either no identity or a whole one, without a
+// lock.
+//
+// Racing first calls store the same values; the accesses are relaxed, which are plain loads and
+// stores.
+struct GpuIdentity {
+  std::atomic<uint32_t> chip_id{kChipIdNotIdentified};  // 0 after a failed device query
+  std::atomic<uint32_t> row{kRowNotIdentified};  // leaves this value exactly when chip_id does
+};
+
+extern constinit GpuIdentity gpu_identity;
+
+// Asks the services library for the chip id and finds its row. Returns the row's number;
+// kRowNotIdentified when the services library could not be opened, so that the next call asks
+// again.
+uint32_t identify_gpu();
+
+// The guard at the top of every GPU-dependent entry: the number of the chip's row, identified on
+// first need.
+inline uint32_t identified_row() {
+  const uint32_t row = gpu_identity.row.load(std::memory_order_relaxed);
+  return row != kRowNotIdentified ? row : identify_gpu();
+}
+
+inline const ChipRow& identified_chip() {
+  return kChipRows[identified_row()];
+}
+
+// The chip id as the device gave it, for messages: rows know only the ids of known chips.
+inline uint32_t reported_chip_id() {
+  return gpu_identity.chip_id.load(std::memory_order_relaxed);
+}
+
+}  // namespace korvel

@@ -1,0 +1,84 @@
+#include "formats/format_traits.h"
+#include "identify/gpu_identity.h"
+#include "identify/uuid.h"
+#include "include/korvel_utils.h"
+#include "layout/record_limits.h"
+#include "layout/single_level_surface.h"
+#include "layout/validate_memory_layout_input_params.h"
+#include "platform/log.h"
+#include "platform/rounding.h"
+
+namespace korvel {
+namespace {
+
+constexpr char kName[] = "korvel_init_memory_layout";
+
+constexpr MetadataHeader kHeader = {
+    .magic = KORVEL_HEADER_MAGIC,
+    .header_version = KORVEL_HEADER_VERSION,
+    .blob_size = KORVEL_BLOB_BYTES,
+    .record_kind = KORVEL_HEADER_RECORD_KIND,
+    .record_offset = offsetof(LayoutMetadata, layout),
+    .record_size = sizeof(MemoryLayout),
+};
+
+// A row of one element is counted in bits and back, which drops the upper three bits of its bytes.
+constexpr uint32_t kRowBytesMask = 0x1FFFFFFF;
+
+constexpr uint32_t surface_alignment(const Surface& surface) {
+  const ChipProperties& chip = surface.chip.properties;
+  switch (surface.tiling_mode) {
+    case KORVEL_TILING_LINEAR:
+      return round_up<uint32_t>(surface.format.substitute_bytes * surface.samples & kRowBytesMask,
+                                chip.pixel_alignment);
+    case KORVEL_TILING_TILED: return chip.tiled_alignment;
+    default: return 0;
+  }
+}
+
+void write_identity(const Surface& surface, MemoryLayout& record) {
+  const ChipRow& chip = surface.chip;
+  record.signature = KORVEL_LAYOUT_SIGNATURE;
+  record.size = sizeof(MemoryLayout);
+  store_uuid(record.device_uuid, device_uuid_words(chip.family_id, chip.model_code, chip.rev_id));
+  store_uuid(record.driver_uuid, kDriverUuid);
+  record.alignment = surface_alignment(surface);
+  record.format = surface.format_id;
+  record.samples = surface.samples;
+  record.linear_fallback = 0;
+  record.levels = 1;
+}
+
+}  // namespace
+}  // namespace korvel
+
+uint32_t korvel_init_memory_layout(void* blob, int32_t width, int32_t height, int32_t depth,
+                                   uint32_t format, uint32_t samples, uint32_t tiling_mode,
+                                   uint64_t flags, uint32_t planes) {
+  const korvel::ChipRow& chip = korvel::identified_chip();
+  if (korvel::validate_memory_layout_input_params(width, height, depth, format, samples,
+                                                  tiling_mode) != KORVEL_SUCCESS ||
+      !korvel::planes_fit(korvel::kName, planes)) {
+    KORVEL_LOG(korvel::kName, "Memory Layout input parameter validation failed!");
+    return KORVEL_FAILURE;
+  }
+  if (blob == nullptr) return KORVEL_FAILURE;
+
+  // Depth/stencil formats have passed the check as tiled ones: the mode asked for is the mode laid
+  // out.
+  const korvel::Surface surface = {
+      .chip = chip,
+      .format_id = format,
+      .format = korvel::format_traits(format),
+      .depth = depth,
+      .samples = samples,
+      .tiling_mode = tiling_mode,
+      .flags = flags,
+      .planes = planes,
+  };
+  auto& metadata = *static_cast<LayoutMetadata*>(blob);
+  metadata.header = korvel::kHeader;
+  korvel::write_identity(surface, metadata.layout);
+  korvel::lay_out_single_level_surface(surface, {width, height}, metadata.layout);
+  return KORVEL_SUCCESS;
+}

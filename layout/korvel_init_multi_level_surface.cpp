@@ -1,0 +1,24 @@
+#include "identify/gpu_identity.h"
+#include "include/korvel_utils.h"
+#include "layout/multi_level_surface.h"
+#include "layout/record_limits.h"
+
+void korvel_init_multi_level_surface(MemoryLayout* record, uint32_t width, uint32_t height,
+                                     int32_t depth, uint32_t format, uint32_t samples,
+                                     uint32_t tiling_mode, uint64_t flags, uint32_t planes) {
+  constexpr char kName[] = "korvel_init_multi_level_surface";
+  const korvel::ChipRow& chip = korvel::identified_chip();
+  if (!korvel::levels_fit(kName, record->levels) || !korvel::planes_fit(kName, planes)) return;
+  const korvel::Surface surface = {
+      .chip = chip,
+      .format_id = format,
+      .format = korvel::format_traits(format),
+      .depth = depth,
+      .samples = samples,
+      .tiling_mode = tiling_mode,
+      .flags = flags,
+      .planes = planes,
+  };
+  korvel::lay_out_multi_level_surface(
+      surface, {static_cast<int32_t>(width), static_cast<int32_t>(height)}, *record);
+}
