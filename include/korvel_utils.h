@@ -7,15 +7,14 @@
  * Terms
  *   element       one texel of an ordinary format, one block of a block-compressed one.
  *   pitch         bytes from one row of elements to the next.
- *   slice         one array layer or depth step of a plane; slice pitch is the distance between two.
- *   plane         one separately stored part of a multi-planar format (luma, chroma, ...), 0 to 2.
- *   level         one mip level, 0 to 14.
- *   flag buffer   the compression metadata of a plane kept in bandwidth compression (UBWC).
- *   tiling mode   1 = tiled, 0 = linear. The alignment entries take any other value as linear.
- *   format        a format number: 1-115 the DXGI_FORMAT values, 116-118 three further four-byte
- *                 formats, 133-187 the ASTC formats, 501-686 and 709-721 the library's own. A number
- *                 of 722 or more has no record: the predicates answer 0 for it, the alignment
- *                 entries treat it as a one-byte single-plane format.
+ *   slice         one array layer or depth step of a plane; slice pitch is the distance between
+ * two. plane         one separately stored part of a multi-planar format (luma, chroma, ...), 0
+ * to 2. level         one mip level, 0 to 14. flag buffer   the compression metadata of a plane
+ * kept in bandwidth compression (UBWC). tiling mode   1 = tiled, 0 = linear. The alignment entries
+ * take any other value as linear. format        a format number: 1-115 the DXGI_FORMAT values,
+ * 116-118 three further four-byte formats, 133-187 the ASTC formats, 501-686 and 709-721 the
+ * library's own. A number of 722 or more has no record: the predicates answer 0 for it, the
+ * alignment entries treat it as a one-byte single-plane format.
  *
  * The GPU
  *   The entries marked "GPU" below work for the GPU of this machine. The first of them that runs
@@ -29,8 +28,9 @@
  *
  * Messages
  *   Every diagnostic goes to the services library's os_alog with level 1, the tag "Korvel-UNKNOWN",
- *   0, the source line, the name of the reporting function, a printf format and its arguments. Where
- *   an entry below lists messages, its own name is the reporting function unless another is named.
+ *   0, the source line, the name of the reporting function, a printf format and its arguments.
+ * Where an entry below lists messages, its own name is the reporting function unless another is
+ * named.
  *
  * Threads
  *   Every entry may be called from any thread at any time. The library takes no lock: first calls
@@ -76,7 +76,8 @@ extern "C" {
 
 /** Result of a call that can fail: success. */
 #define KORVEL_SUCCESS UINT32_C(0)
-/** Result of a call that can fail: failure, after exactly one message unless the entry says else. */
+/** Result of a call that can fail: failure, after exactly one message unless the entry says else.
+ */
 #define KORVEL_FAILURE UINT32_C(0xFFFFFFFF)
 
 /** Tiling modes. */
@@ -90,11 +91,11 @@ extern "C" {
 /** Layout flag: counts only beside LAYOUT_FLAG_EXTRA; asks for the chip's extra padding as well. */
 #define LAYOUT_FLAG_EXTENDED (UINT64_C(1) << 60)
 
-#define KORVEL_UUID_BYTES 16         /**< bytes of a UUID */
-#define KORVEL_UUID_TEXT_BYTES 37    /**< bytes of a UUID as text, its terminator included */
-#define KORVEL_MAX_LEVELS 15         /**< levels of a record */
-#define KORVEL_MAX_PLANES 3          /**< planes of a level */
-#define KORVEL_MAX_SLICES 2048       /**< slices of a level */
+#define KORVEL_UUID_BYTES 16          /**< bytes of a UUID */
+#define KORVEL_UUID_TEXT_BYTES 37     /**< bytes of a UUID as text, its terminator included */
+#define KORVEL_MAX_LEVELS 15          /**< levels of a record */
+#define KORVEL_MAX_PLANES 3           /**< planes of a level */
+#define KORVEL_MAX_SLICES 2048        /**< slices of a level */
 #define KORVEL_EXTRA_SLICE_BYTES 8224 /**< bytes a slice of the extra buffer takes */
 
 #define KORVEL_HEADER_MAGIC UINT32_C(0x00FACADE)      /**< MetadataHeader::magic */
@@ -107,12 +108,13 @@ extern "C" {
 #define KORVEL_BLOB_BYTES 5536             /**< sizeof(LayoutMetadata) */
 #define KORVEL_LAYOUT_BYTES_VERSION_1 5472 /**< MemoryLayout::size of layout version 1 */
 #define KORVEL_LAYOUT_BYTES_VERSION_2 5504 /**< MemoryLayout::size of layout version 2 */
-#define KORVEL_LAYOUT_BYTES_VERSION_3 5512 /**< MemoryLayout::size of layout version 3 (written) */
+#define KORVEL_LAYOUT_BYTES_VERSION_3 5512 /**< MemoryLayout::size of layout version 3 (written) \
+                                            */
 #define KORVEL_SURFACE_BYTES 5300          /**< SurfaceMetadata::size */
 
 /* ------------------------------------------------------------------------------------------------
- * Stored records. All integers are little-endian; each offset is asserted at the end of this header.
- * "not written" marks the fields that no entry of the library ever stores to.
+ * Stored records. All integers are little-endian; each offset is asserted at the end of this
+ * header. "not written" marks the fields that no entry of the library ever stores to.
  * --------------------------------------------------------------------------------------------- */
 
 /** The first 24 bytes of a layout blob. */
@@ -145,7 +147,8 @@ typedef struct PlaneLayout {
   uint64_t flag_slice_pitch;   /**< bytes from slice to slice */
 } PlaneLayout;
 
-/** One mip level. The writers store only 0 to the two lrz valid words and leave the other lrz words. */
+/** One mip level. The writers store only 0 to the two lrz valid words and leave the other lrz
+ * words. */
 typedef struct LevelLayout {
   uint32_t slices;     /**< array slices or depth, 1 to 2048 */
   uint32_t tiled;      /**< the tiling mode: 1 tiled, 0 linear */
@@ -173,25 +176,25 @@ typedef struct LevelLayout {
  * extra_slice_pitch (5504 bytes); the validator accepts all three.
  */
 typedef struct MemoryLayout {
-  uint32_t signature;                    /**< KORVEL_LAYOUT_SIGNATURE */
-  uint32_t size;                         /**< bytes of this record: 5512 */
+  uint32_t signature;                     /**< KORVEL_LAYOUT_SIGNATURE */
+  uint32_t size;                          /**< bytes of this record: 5512 */
   uint8_t device_uuid[KORVEL_UUID_BYTES]; /**< words 0x5A52, family id, model code, revision id */
   uint8_t driver_uuid[KORVEL_UUID_BYTES]; /**< words 4, 1 (driver version), 3 (layout version), 0 */
-  uint64_t total_size;                   /**< size + bytes of the surface, aligned */
-  uint32_t alignment;                    /**< bytes, power of two */
-  uint32_t format;                       /**< format number */
-  uint32_t samples;                      /**< 1, 2, 4 or 8 */
-  uint32_t reserved_60;                  /**< not written */
-  uint32_t linear_fallback;              /**< 1 when lower levels of a tiled surface may be linear */
-  uint32_t levels;                       /**< valid entries of level[], 1 to 15 */
-  LevelLayout level[KORVEL_MAX_LEVELS];  /**< entries at and beyond `levels` are not written */
-  uint32_t extra_valid;                  /**< 1 when the extra buffer exists, else 0 */
-  uint32_t padding_5476;                 /**< not written */
-  uint64_t extra_offset;                 /**< bytes */
-  uint64_t extra_size;                   /**< bytes: depth x 8224 */
-  uint64_t extra_slice_pitch;            /**< bytes: 8224 */
-  uint32_t extended;                     /**< 1 when both extra flags were given, else 0 */
-  uint32_t padding_5508;                 /**< not written */
+  uint64_t total_size;                    /**< size + bytes of the surface, aligned */
+  uint32_t alignment;                     /**< bytes, power of two */
+  uint32_t format;                        /**< format number */
+  uint32_t samples;                       /**< 1, 2, 4 or 8 */
+  uint32_t reserved_60;                   /**< not written */
+  uint32_t linear_fallback;             /**< 1 when lower levels of a tiled surface may be linear */
+  uint32_t levels;                      /**< valid entries of level[], 1 to 15 */
+  LevelLayout level[KORVEL_MAX_LEVELS]; /**< entries at and beyond `levels` are not written */
+  uint32_t extra_valid;                 /**< 1 when the extra buffer exists, else 0 */
+  uint32_t padding_5476;                /**< not written */
+  uint64_t extra_offset;                /**< bytes */
+  uint64_t extra_size;                  /**< bytes: depth x 8224 */
+  uint64_t extra_slice_pitch;           /**< bytes: 8224 */
+  uint32_t extended;                    /**< 1 when both extra flags were given, else 0 */
+  uint32_t padding_5508;                /**< not written */
 } MemoryLayout;
 
 /** The blob that a caller stores with a resource. */
@@ -262,21 +265,21 @@ typedef struct SurfaceMetadata {
 
 /** What compute_fmt_aligned_width_and_height_in_bytes() is asked. */
 typedef struct AlignInBytesParams {
-  int32_t width;                /**< elements, 0 or more */
-  int32_t height;               /**< rows of elements, 0 or more */
-  uint32_t plane;               /**< plane index */
-  uint32_t format;              /**< format number */
-  uint32_t samples;             /**< samples an element */
-  uint32_t selector;            /**< pitch-padding selector: 2, or any other value for the normal one */
+  int32_t width;     /**< elements, 0 or more */
+  int32_t height;    /**< rows of elements, 0 or more */
+  uint32_t plane;    /**< plane index */
+  uint32_t format;   /**< format number */
+  uint32_t samples;  /**< samples an element */
+  uint32_t selector; /**< pitch-padding selector: 2, or any other value for the normal one */
   int32_t min_padded_row_bytes; /**< rows of at most this many bytes are not pitch-padded */
-  uint32_t *tiling_mode;        /**< read; set to 0 when the surface is too narrow to tile */
+  uint32_t* tiling_mode;        /**< read; set to 0 when the surface is too narrow to tile */
 } AlignInBytesParams;
 
 /** Where compute_fmt_aligned_width_and_height_in_bytes() stores its answers. */
 typedef struct AlignInBytesResult {
-  uint32_t *aligned_row_bytes; /**< bytes of a row after the full alignment */
-  uint32_t *minimal_row_bytes; /**< bytes of a row after the minimal alignment */
-  uint32_t *aligned_height;    /**< rows after the full alignment */
+  uint32_t* aligned_row_bytes; /**< bytes of a row after the full alignment */
+  uint32_t* minimal_row_bytes; /**< bytes of a row after the minimal alignment */
+  uint32_t* aligned_height;    /**< rows after the full alignment */
 } AlignInBytesResult;
 
 /* ------------------------------------------------------------------------------------------------
@@ -289,14 +292,14 @@ typedef struct AlignInBytesResult {
  * @param out         16 writable bytes, any alignment.
  * @param out_length  bytes at `out`, signed; 16 or more.
  * @param family_id, model_code, rev_id  any values.
- * @return 0; or -1 after "Length of uuid array is too small" when out_length is below 16. Then nothing
- *         is written. On success exactly 16 bytes are.
+ * @return 0; or -1 after "Length of uuid array is too small" when out_length is below 16. Then
+ * nothing is written. On success exactly 16 bytes are.
  */
-KORVEL_API int32_t KORVEL_CALL get_device_uuid(uint8_t *out, int32_t out_length, uint32_t family_id,
+KORVEL_API int32_t KORVEL_CALL get_device_uuid(uint8_t* out, int32_t out_length, uint32_t family_id,
                                                uint32_t model_code, uint32_t rev_id);
 
 /** As get_device_uuid(), with a caller's own 16-bit value, zero-extended, as word 0. */
-KORVEL_API int32_t KORVEL_CALL get_override_device_uuid(uint8_t *out, int32_t out_length,
+KORVEL_API int32_t KORVEL_CALL get_override_device_uuid(uint8_t* out, int32_t out_length,
                                                         uint32_t family_id, uint32_t model_code,
                                                         uint32_t rev_id, uint16_t word_0);
 
@@ -306,10 +309,11 @@ KORVEL_API int32_t KORVEL_CALL get_override_device_uuid(uint8_t *out, int32_t ou
  *
  * Arguments, result and message as for get_device_uuid().
  */
-KORVEL_API int32_t KORVEL_CALL get_driver_uuid(uint8_t *out, int32_t out_length);
+KORVEL_API int32_t KORVEL_CALL get_driver_uuid(uint8_t* out, int32_t out_length);
 
 /**
- * Prints a UUID as 32 lower-case hexadecimal digits in the groups 8-4-4-4-12, bytes in storage order.
+ * Prints a UUID as 32 lower-case hexadecimal digits in the groups 8-4-4-4-12, bytes in storage
+ * order.
  *
  * @param text         receives the text and its terminator; cut to text_size bytes when it is too
  *                     small, untouched when text_size is 0 or negative.
@@ -319,12 +323,12 @@ KORVEL_API int32_t KORVEL_CALL get_driver_uuid(uint8_t *out, int32_t out_length)
  * @return 0; -1 without a message when the text did not fit; -1 after "Bad uuid length %u" when
  *         uuid_length is not 16. Then nothing is written.
  */
-KORVEL_API int32_t KORVEL_CALL uuid_to_str(char *text, int32_t text_size, const uint8_t *uuid,
+KORVEL_API int32_t KORVEL_CALL uuid_to_str(char* text, int32_t text_size, const uint8_t* uuid,
                                            uint32_t uuid_length);
 
 /**
- * Tells whether the GPU can run a secure (protected-content) context. Asks the device afresh on every
- * call and keeps nothing.
+ * Tells whether the GPU can run a secure (protected-content) context. Asks the device afresh on
+ * every call and keeps nothing.
  *
  * @return the device's own word, non-zero for yes; 0 when the device cannot be opened or queried; 0
  *         after "Failed to open HXL Library!!!!" when the services library cannot be opened.
@@ -339,8 +343,8 @@ KORVEL_API uint32_t KORVEL_CALL get_gpu_pixel_alignment(void);
  * and the chip's base alignment.
  *
  * @param tiling_mode  1 tiled, any other value linear.
- * @return bytes; 4096 on supported chips. On an unsupported chip 0 for tiling mode 1; any other mode
- *         is a division by 0 there and faults.
+ * @return bytes; 4096 on supported chips. On an unsupported chip 0 for tiling mode 1; any other
+ * mode is a division by 0 there and faults.
  */
 KORVEL_API uint32_t KORVEL_CALL get_slice_pitch_alignment(uint32_t tiling_mode);
 
@@ -351,7 +355,8 @@ KORVEL_API uint32_t KORVEL_CALL get_slice_pitch_alignment(uint32_t tiling_mode);
 /**
  * GPU. Tells whether the GPU can render to a format.
  *
- * @param format             any value; one that the family does not list answers 0 without a message.
+ * @param format             any value; one that the family does not list answers 0 without a
+ * message.
  * @param depth_stencil_use  non-zero asks about use as a depth/stencil target, 0 about colour.
  * @return 1 or 0; 0 after "Unknown Family ID %u" on an unknown chip.
  */
@@ -360,7 +365,8 @@ KORVEL_API uint32_t KORVEL_CALL isFormatRenderableByGpu(int32_t format, int32_t 
 /**
  * GPU. Tells whether the GPU can sample from a format.
  *
- * @param format              any value; one that the family does not list answers 0 without a message.
+ * @param format              any value; one that the family does not list answers 0 without a
+ * message.
  * @param sample_count        samples of the resource; 0 and 1 both mean single-sampled.
  * @param depth_stencil_view  non-zero when the format is read as a depth/stencil resource.
  * @return 1 or 0; 0 after "Unknown Family ID %u" on an unknown chip.
@@ -377,8 +383,8 @@ KORVEL_API uint32_t KORVEL_CALL isFormatSampleableByGpu(int32_t format, uint32_t
 KORVEL_API uint32_t KORVEL_CALL isUBWCSupportedByGpu(uint32_t format);
 
 /**
- * GPU, asked only when the arguments pass. Turns the size in texels of a block-compressed surface into
- * its size in blocks: the width rounded up to the pixel alignment, the height as it is.
+ * GPU, asked only when the arguments pass. Turns the size in texels of a block-compressed surface
+ * into its size in blocks: the width rounded up to the pixel alignment, the height as it is.
  *
  * @param texel_width, texel_height  texels, 0 or more.
  * @param format    a block-compressed format.
@@ -388,37 +394,36 @@ KORVEL_API uint32_t KORVEL_CALL isUBWCSupportedByGpu(uint32_t format);
  * @param bpp             receives bytes a block, 8 or 16.
  *
  * Messages, the first that applies:
- *   "Invalid texel width or texel height: W = %d, H = %d"  all three outputs become 1; they are stored
- *       without a look at the pointers.
- *   "Not a compressed format 0x%x"  nothing is written.
+ *   "Invalid texel width or texel height: W = %d, H = %d"  all three outputs become 1; they are
+ * stored without a look at the pointers. "Not a compressed format 0x%x"  nothing is written.
  *   "Invalid input pointers, aligned_width=0x%x, aligned_height=0x%08x, bpp=0x%08x "  an output
  *       pointer is null (low 32 bits of the three are printed); nothing is written.
  */
 KORVEL_API void KORVEL_CALL compute_compressedfmt_aligned_width_and_height(
     int32_t texel_width, int32_t texel_height, uint32_t format, uint64_t ignored_1,
-    uint64_t ignored_2, uint64_t ignored_3, uint32_t *aligned_width, uint32_t *aligned_height,
-    uint32_t *bpp);
+    uint64_t ignored_2, uint64_t ignored_3, uint32_t* aligned_width, uint32_t* aligned_height,
+    uint32_t* bpp);
 
 /* ------------------------------------------------------------------------------------------------
  * Alignment
  *
  * Common to the entries below: sizes are signed 32-bit; a negative one is logged as
  * "Invalid width or height: W = %d, H = %d" and both outputs become 1. On a chip outside the
- * supported list "Unknown Chip ID %d" is logged and the outputs equal the inputs. The output pointers
- * are not looked at. Results wrap at 32 bits.
+ * supported list "Unknown Chip ID %d" is logged and the outputs equal the inputs. The output
+ * pointers are not looked at. Results wrap at 32 bits.
  * --------------------------------------------------------------------------------------------- */
 
 /**
- * GPU. Checks a size and the chip; on a supported chip both outputs keep what they held. Callers that
- * need aligned sizes use compute_fmt_aligned_width_and_height().
+ * GPU. Checks a size and the chip; on a supported chip both outputs keep what they held. Callers
+ * that need aligned sizes use compute_fmt_aligned_width_and_height().
  *
  * @param width, height  pixels.
  * @param a3, a4, a5, a6  accepted and not read.
  */
 KORVEL_API void KORVEL_CALL compute_aligned_width_and_height(int32_t width, int32_t height,
                                                              uint32_t a3, uint32_t a4, uint32_t a5,
-                                                             uint32_t a6, uint32_t *out_width,
-                                                             uint32_t *out_height);
+                                                             uint32_t a6, uint32_t* out_width,
+                                                             uint32_t* out_height);
 
 /**
  * GPU. The width that compute_aligned_width_and_height() gives for `width` x 1 from a preset of 0.
@@ -438,18 +443,20 @@ KORVEL_API uint32_t KORVEL_CALL compute_surface_padding(int32_t width, uint32_t 
  * @param format         any format number.
  * @param samples        samples an element.
  * @param tiling_mode    1 tiled, any other value linear.
- * @param selector       2 picks the second half of the pitch-padding table, any other value the first.
- * @param min_padded_row_bytes  linear rows of at most this many bytes (signed) are not pitch-padded.
+ * @param selector       2 picks the second half of the pitch-padding table, any other value the
+ * first.
+ * @param min_padded_row_bytes  linear rows of at most this many bytes (signed) are not
+ * pitch-padded.
  * @param out_width      receives the aligned width, elements.
  * @param out_height     receives the aligned height, rows of elements.
  *
- * Faults: a tiled plane with elements of 0 bytes on family 5; a linear block format with 0 samples on
- * families 6 and 7.
+ * Faults: a tiled plane with elements of 0 bytes on family 5; a linear block format with 0 samples
+ * on families 6 and 7.
  */
 KORVEL_API void KORVEL_CALL compute_fmt_aligned_width_and_height(
     int32_t width, int32_t height, uint32_t plane, uint32_t format, uint32_t samples,
-    uint32_t tiling_mode, uint32_t selector, int32_t min_padded_row_bytes, uint32_t *out_width,
-    uint32_t *out_height);
+    uint32_t tiling_mode, uint32_t selector, int32_t min_padded_row_bytes, uint32_t* out_width,
+    uint32_t* out_height);
 
 /**
  * GPU. The smallest size that the hardware takes, with an explicit divisor of the pitch alignment.
@@ -457,35 +464,36 @@ KORVEL_API void KORVEL_CALL compute_fmt_aligned_width_and_height(
  *
  * @param tiling_allowed      the surface may become tiled later: 1 (families 6 and 7) or non-zero
  *                            (family 5) aligns a linear width to the tile width.
- * @param divisor             divides the linear width's alignment, which is in bytes, so that an element
- *                            size here gives elements; 0 faults where the divisor is used.
+ * @param divisor             divides the linear width's alignment, which is in bytes, so that an
+ * element size here gives elements; 0 faults where the divisor is used.
  * @param want_extra_padding  non-zero adds the chip's extra padding (families 6 and 7).
  */
 KORVEL_API void KORVEL_CALL compute_fmt_minimal_aligned_width_and_height(
     int32_t width, int32_t height, uint32_t plane, uint32_t format, uint32_t samples,
     uint32_t tiling_mode, uint32_t tiling_allowed, uint32_t selector, int32_t min_padded_row_bytes,
-    uint32_t divisor, uint32_t want_extra_padding, uint32_t *out_width, uint32_t *out_height);
+    uint32_t divisor, uint32_t want_extra_padding, uint32_t* out_width, uint32_t* out_height);
 
 /**
- * GPU. Both alignments at once, in bytes a row. A surface narrower than 16 blocks on a supported chip
- * becomes linear: 0 is stored to the caller's tiling mode. Messages come under the names of the two
- * entries above, which both run in every case; the divisor handed on is the plane's element size, so a
- * linear plane that the format lacks is a division by 0 and faults.
+ * GPU. Both alignments at once, in bytes a row. A surface narrower than 16 blocks on a supported
+ * chip becomes linear: 0 is stored to the caller's tiling mode. Messages come under the names of
+ * the two entries above, which both run in every case; the divisor handed on is the plane's element
+ * size, so a linear plane that the format lacks is a division by 0 and faults.
  *
  * @param params  what is asked; only *params->tiling_mode may be written.
  * @param result  three pointers, each written.
  */
 KORVEL_API void KORVEL_CALL compute_fmt_aligned_width_and_height_in_bytes(
-    const AlignInBytesParams *params, const AlignInBytesResult *result);
+    const AlignInBytesParams* params, const AlignInBytesResult* result);
 
 /**
  * GPU. compute_fmt_aligned_width_and_height() with, on families 6 and 7, the divisor and the extra
- * padding of the minimal entry. Family 5 ignores both. The layout entries align their planes with it.
+ * padding of the minimal entry. Family 5 ignores both. The layout entries align their planes with
+ * it.
  */
 KORVEL_API void KORVEL_CALL compute_fmt_aligned_width_and_height_fdm(
     int32_t width, int32_t height, uint32_t plane, uint32_t format, uint32_t samples,
     uint32_t tiling_mode, uint32_t selector, int32_t min_padded_row_bytes, uint32_t divisor,
-    uint32_t want_extra_padding, uint32_t *out_width, uint32_t *out_height);
+    uint32_t want_extra_padding, uint32_t* out_width, uint32_t* out_height);
 
 /* ------------------------------------------------------------------------------------------------
  * Layout
@@ -501,7 +509,7 @@ KORVEL_API uint32_t KORVEL_CALL korvel_get_metadata_blob_size(void);
  *              record's total_size and size are read, and none of them is checked.
  * @return total_size - size; 0 for null.
  */
-KORVEL_API uint64_t KORVEL_CALL korvel_get_aligned_gpu_buffer_size(const void *blob);
+KORVEL_API uint64_t KORVEL_CALL korvel_get_aligned_gpu_buffer_size(const void* blob);
 
 /**
  * GPU. Lays out a surface of one level and describes it in a blob.
@@ -531,51 +539,52 @@ KORVEL_API uint64_t KORVEL_CALL korvel_get_aligned_gpu_buffer_size(const void *b
  * the flag words of a plane without a flag buffer (but flag_valid), the lrz words but the two valid
  * ones, and the extra buffer's words but extra_valid when there is none.
  *
- * Faults: as compute_fmt_aligned_width_and_height() for each plane, and a flag buffer of a format whose
- * sample tile is not known (619 and 659; 658 and 709-711 on family 6).
+ * Faults: as compute_fmt_aligned_width_and_height() for each plane, and a flag buffer of a format
+ * whose sample tile is not known (619 and 659; 658 and 709-711 on family 6).
  */
-KORVEL_API uint32_t KORVEL_CALL korvel_init_memory_layout(void *blob, int32_t width, int32_t height,
+KORVEL_API uint32_t KORVEL_CALL korvel_init_memory_layout(void* blob, int32_t width, int32_t height,
                                                           int32_t depth, uint32_t format,
                                                           uint32_t samples, uint32_t tiling_mode,
                                                           uint64_t flags, uint32_t planes);
 
 /**
- * GPU. The second half of korvel_init_memory_layout(): lays out the planes into a record whose header
- * words are set. Reads the record's `levels`, `alignment` and `size`; nothing about the arguments is
- * checked but what the messages say.
+ * GPU. The second half of korvel_init_memory_layout(): lays out the planes into a record whose
+ * header words are set. Reads the record's `levels`, `alignment` and `size`; nothing about the
+ * arguments is checked but what the messages say.
  *
  * @param record  a MemoryLayout, 8-byte aligned, not null.
  *
  * A width or height below 1 counts as 1. With more than one level, level l takes the size shifted
  * right by l, and its planes follow those of level l - 1.
  *
- * Messages: "Invalid plane count %u" for planes above 3 and "Invalid level count %u" for levels above
- * 15; nothing is written then. Those of compute_fmt_aligned_width_and_height_fdm() under its name.
+ * Messages: "Invalid plane count %u" for planes above 3 and "Invalid level count %u" for levels
+ * above 15; nothing is written then. Those of compute_fmt_aligned_width_and_height_fdm() under its
+ * name.
  */
-KORVEL_API void KORVEL_CALL korvel_init_single_level_surface(MemoryLayout *record, int32_t width,
+KORVEL_API void KORVEL_CALL korvel_init_single_level_surface(MemoryLayout* record, int32_t width,
                                                              int32_t height, int32_t depth,
                                                              uint32_t format, uint32_t samples,
                                                              uint32_t tiling_mode, uint64_t flags,
                                                              uint32_t planes);
 
 /**
- * GPU. Lays out a mip chain into a record whose header words are set, `levels` among them. Each plane's
- * levels form one chain and an array slice is a whole chain; the flag buffers of a tiled single-plane
- * surface stand together in front of the images.
+ * GPU. Lays out a mip chain into a record whose header words are set, `levels` among them. Each
+ * plane's levels form one chain and an array slice is a whole chain; the flag buffers of a tiled
+ * single-plane surface stand together in front of the images.
  *
  * @param record  a MemoryLayout, 8-byte aligned, not null; its `levels`, `alignment` and `size` are
- *                read. For a tiled surface of one plane the flag sizes of all levels are read as well,
- *                also of those that get no flag buffer: zero the record first.
+ *                read. For a tiled surface of one plane the flag sizes of all levels are read as
+ * well, also of those that get no flag buffer: zero the record first.
  * @param width, height  texels; the width is rounded up to a multiple of 64 first.
  *
- * Other arguments, messages and what is left unwritten as for korvel_init_single_level_surface(); also
- * "Invalid texel width or texel height: W = %d, H = %d" under the name
+ * Other arguments, messages and what is left unwritten as for korvel_init_single_level_surface();
+ * also "Invalid texel width or texel height: W = %d, H = %d" under the name
  * compute_compressedfmt_aligned_width_and_height. With planes 0 the level words stay as they were.
  *
  * Faults: an element size times samples of 0 on families 6 and 7 in linear mode, and those of
  * korvel_init_single_level_surface().
  */
-KORVEL_API void KORVEL_CALL korvel_init_multi_level_surface(MemoryLayout *record, uint32_t width,
+KORVEL_API void KORVEL_CALL korvel_init_multi_level_surface(MemoryLayout* record, uint32_t width,
                                                             uint32_t height, int32_t depth,
                                                             uint32_t format, uint32_t samples,
                                                             uint32_t tiling_mode, uint64_t flags,
@@ -584,9 +593,10 @@ KORVEL_API void KORVEL_CALL korvel_init_multi_level_surface(MemoryLayout *record
 /* ------------------------------------------------------------------------------------------------
  * Validation
  *
- * Both validators read a record of any alignment, change nothing, stop at the first failed check with
- * exactly one message, and use no number of the record before it has been checked. UUIDs are printed
- * as uuid_to_str() prints them. A buffer whose end does not fit 64 bits exceeds the surface.
+ * Both validators read a record of any alignment, change nothing, stop at the first failed check
+ * with exactly one message, and use no number of the record before it has been checked. UUIDs are
+ * printed as uuid_to_str() prints them. A buffer whose end does not fit 64 bits exceeds the
+ * surface.
  * --------------------------------------------------------------------------------------------- */
 
 /**
@@ -600,20 +610,19 @@ KORVEL_API void KORVEL_CALL korvel_init_multi_level_surface(MemoryLayout *record
  * The surface size is the low 32 bits of total_size - size, sign-extended: from 2^31 bytes on the
  * bounds always pass. This is a fixed property of the format.
  */
-KORVEL_API uint32_t KORVEL_CALL validate_resource_memory_layout_metadata(const void *record,
-                                                                         const uint8_t *device_uuid,
-                                                                         const uint8_t *driver_uuid);
+KORVEL_API uint32_t KORVEL_CALL validate_resource_memory_layout_metadata(
+    const void* record, const uint8_t* device_uuid, const uint8_t* driver_uuid);
 
 /**
  * Decides whether a stored SurfaceMetadata may be trusted.
  *
  * @param record  5300 readable bytes, any alignment.
- * Other arguments and result as for validate_resource_memory_layout_metadata(). Word 0 of the driver
- * UUID is compared here, word 1 there; the surface size is 64-bit here.
+ * Other arguments and result as for validate_resource_memory_layout_metadata(). Word 0 of the
+ * driver UUID is compared here, word 1 there; the surface size is 64-bit here.
  */
-KORVEL_API uint32_t KORVEL_CALL validate_surface_metadata(const void *record,
-                                                          const uint8_t *device_uuid,
-                                                          const uint8_t *driver_uuid);
+KORVEL_API uint32_t KORVEL_CALL validate_surface_metadata(const void* record,
+                                                          const uint8_t* device_uuid,
+                                                          const uint8_t* driver_uuid);
 
 #ifdef __cplusplus
 } /* extern "C" */

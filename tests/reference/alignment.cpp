@@ -1,5 +1,5 @@
-// How wide and how high a plane becomes, by family. Widths and heights are unsigned and wrap; where a
-// rule looks at a sign it says so.
+// How wide and how high a plane becomes, by family. Widths and heights are unsigned and wrap; where
+// a rule looks at a sign it says so.
 #include "rules.h"
 
 namespace reference {
@@ -47,8 +47,8 @@ uint32_t tile_height_of(uint32_t k, uint32_t format, bool tall) {
 }
 
 uint32_t tile_width_family67(uint32_t format, uint32_t samples) {
-  uint32_t width = tile_width_of(element_bytes(format) * samples, format,
-                                 tall_tile_format_family67(format));
+  uint32_t width =
+      tile_width_of(element_bytes(format) * samples, format, tall_tile_format_family67(format));
   if (has_flag(format, kEitherBlockFlag)) {
     width *= format_block_dims(format).width;
   }
@@ -56,8 +56,8 @@ uint32_t tile_width_family67(uint32_t format, uint32_t samples) {
 }
 
 uint32_t tile_height_family67(uint32_t format, uint32_t samples) {
-  uint32_t height = tile_height_of(element_bytes(format) * samples, format,
-                                   tall_tile_format_family67(format));
+  uint32_t height =
+      tile_height_of(element_bytes(format) * samples, format, tall_tile_format_family67(format));
   if (has_flag(format, kEitherBlockFlag)) {
     height *= format_block_dims(format).height;
   }
@@ -87,8 +87,7 @@ uint32_t round_up_to_64_or_64(uint32_t width) {
 // Elements of 3, 6 and 12 bytes: a row of whole 64-element groups of the next power of two. Signed.
 uint32_t align_odd_size(uint32_t w, uint32_t e, uint32_t format) {
   const uint32_t u = element_bytes(npot_substitute_format(format)) * e * 64;
-  const int32_t groups =
-      ceil_divide_signed(static_cast<int32_t>(w * e), static_cast<int32_t>(u));
+  const int32_t groups = ceil_divide_signed(static_cast<int32_t>(w * e), static_cast<int32_t>(u));
   const int32_t bytes = static_cast<int32_t>(static_cast<uint32_t>(groups) * u);
   return static_cast<uint32_t>(bytes / static_cast<int32_t>(e));
 }
@@ -105,15 +104,20 @@ uint32_t tiled_width_family5(uint32_t width, uint32_t e, uint32_t format) {
   return divide(tile_row_bytes(round_up_to_64_or_64(width) * e, e, format), e);
 }
 
+// The table has no row for elements of no size or of 32 bytes and more.
+bool has_no_padding_row(uint32_t e) {
+  return e == 0 || e >= 32;
+}
+
 uint32_t pad_pitch_family5(uint32_t w, uint32_t e, uint32_t selector) {
-  if (e == 0) return w;
+  if (has_no_padding_row(e)) return w;
   const uint32_t padded = pitch_padding_lookup(w, e, selector);
   if (padded > 16384) return 16384;
   return padded;
 }
 
 uint32_t pad_pitch_family67(const Process& process, uint32_t w, uint32_t e, uint32_t selector) {
-  if (e == 0) return w;
+  if (has_no_padding_row(e)) return w;
   const uint32_t padded = pitch_padding_lookup(w, e, selector);
   if (chip_group(process) == 7) {
     // Signed: a model without a limit of its own is limited to 0.
@@ -136,8 +140,7 @@ uint32_t round_up_by_pitch(uint32_t width, uint32_t pitch_bytes, uint32_t diviso
 }
 
 bool counts_in_blocks_family5(uint32_t format) {
-  return has_flag(format, kFlagBlockCompressed) ||
-         among(format, {107, 614, 654, 655, 656});
+  return has_flag(format, kFlagBlockCompressed) || among(format, {107, 614, 654, 655, 656});
 }
 
 uint32_t linear_base_width_family5(uint32_t width, uint32_t format, uint32_t tiling_mode_again,

@@ -1,4 +1,5 @@
-// The alignment exports: argument checks, the choice of the family's rules, and the answers in bytes.
+// The alignment exports: argument checks, the choice of the family's rules, and the answers in
+// bytes.
 #include "rules.h"
 
 namespace reference {
@@ -23,12 +24,19 @@ uint32_t element_bytes_with_samples(uint32_t format, uint32_t plane, uint32_t sa
   return e;
 }
 
-Dimensions check_size_only(Process& process, int32_t width, int32_t height, Dimensions preset) {
+// On a supported chip the outputs are not looked at.
+void check_size_only(Process& process, int32_t width, int32_t height, uint32_t* out_width,
+                     uint32_t* out_height) {
   const char* const function = "compute_aligned_width_and_height";
-  if (size_is_negative(process, function, width, height)) return {1, 1};
-  if (is_supported_chip(process)) return preset;
+  if (size_is_negative(process, function, width, height)) {
+    *out_width = 1;
+    *out_height = 1;
+    return;
+  }
+  if (is_supported_chip(process)) return;
   log_unknown_chip(process, function);
-  return {static_cast<uint32_t>(width), static_cast<uint32_t>(height)};
+  *out_width = static_cast<uint32_t>(width);
+  *out_height = static_cast<uint32_t>(height);
 }
 
 Dimensions align_fully(Process& process, int32_t signed_width, int32_t signed_height,
@@ -58,9 +66,8 @@ Dimensions align_fully(Process& process, int32_t signed_width, int32_t signed_he
 
 Dimensions align_minimally(Process& process, int32_t signed_width, int32_t signed_height,
                            uint32_t plane, uint32_t format, uint32_t samples, uint32_t tiling_mode,
-                           uint32_t tiling_allowed, uint32_t selector,
-                           int32_t min_padded_row_bytes, uint32_t divisor,
-                           uint32_t want_extra_padding) {
+                           uint32_t tiling_allowed, uint32_t selector, int32_t min_padded_row_bytes,
+                           uint32_t divisor, uint32_t want_extra_padding) {
   const char* const function = "compute_fmt_minimal_aligned_width_and_height";
   if (size_is_negative(process, function, signed_width, signed_height)) return {1, 1};
   const uint32_t width = static_cast<uint32_t>(signed_width);
@@ -94,9 +101,9 @@ Dimensions align_minimally(Process& process, int32_t signed_width, int32_t signe
 }  // namespace
 
 Dimensions align_for_layout(Process& process, int32_t signed_width, int32_t signed_height,
-                            uint32_t plane, uint32_t format, uint32_t samples,
-                            uint32_t tiling_mode, uint32_t selector, int32_t min_padded_row_bytes,
-                            uint32_t divisor, uint32_t want_extra_padding) {
+                            uint32_t plane, uint32_t format, uint32_t samples, uint32_t tiling_mode,
+                            uint32_t selector, int32_t min_padded_row_bytes, uint32_t divisor,
+                            uint32_t want_extra_padding) {
   const char* const function = "compute_fmt_aligned_width_and_height_fdm";
   if (size_is_negative(process, function, signed_width, signed_height)) return {1, 1};
   const uint32_t width = static_cast<uint32_t>(signed_width);
@@ -131,15 +138,16 @@ void compute_aligned_width_and_height(Process& process, int32_t width, int32_t h
                                       uint32_t /*a3*/, uint32_t /*a4*/, uint32_t /*a5*/,
                                       uint32_t /*a6*/, uint32_t* out_width, uint32_t* out_height) {
   identify_gpu_if_needed(process);
-  const Dimensions size = check_size_only(process, width, height, {*out_width, *out_height});
-  *out_width = size.width;
-  *out_height = size.height;
+  check_size_only(process, width, height, out_width, out_height);
 }
 
 uint32_t compute_surface_padding(Process& process, int32_t width, uint32_t /*a2*/,
                                  int32_t /*tiling_mode*/, uint32_t /*a4*/, uint32_t /*a5*/) {
   identify_gpu_if_needed(process);
-  return check_size_only(process, width, 1, {0, 0}).width;
+  uint32_t w = 0;
+  uint32_t h = 0;
+  check_size_only(process, width, 1, &w, &h);
+  return w;
 }
 
 void compute_fmt_aligned_width_and_height(Process& process, int32_t width, int32_t height,
@@ -154,11 +162,12 @@ void compute_fmt_aligned_width_and_height(Process& process, int32_t width, int32
   *out_height = size.height;
 }
 
-void compute_fmt_minimal_aligned_width_and_height(
-    Process& process, int32_t width, int32_t height, uint32_t plane, uint32_t format,
-    uint32_t samples, uint32_t tiling_mode, uint32_t tiling_allowed, uint32_t selector,
-    int32_t min_padded_row_bytes, uint32_t divisor, uint32_t want_extra_padding,
-    uint32_t* out_width, uint32_t* out_height) {
+void compute_fmt_minimal_aligned_width_and_height(Process& process, int32_t width, int32_t height,
+                                                  uint32_t plane, uint32_t format, uint32_t samples,
+                                                  uint32_t tiling_mode, uint32_t tiling_allowed,
+                                                  uint32_t selector, int32_t min_padded_row_bytes,
+                                                  uint32_t divisor, uint32_t want_extra_padding,
+                                                  uint32_t* out_width, uint32_t* out_height) {
   identify_gpu_if_needed(process);
   const Dimensions size =
       align_minimally(process, width, height, plane, format, samples, tiling_mode, tiling_allowed,
@@ -186,10 +195,9 @@ void compute_fmt_aligned_width_and_height_in_bytes(Process& process,
   if (tiling_mode == 1) {
     bytes *= params->samples;
   }
-  const Dimensions minimal =
-      align_minimally(process, params->width, params->height, params->plane, params->format,
-                      params->samples, tiling_mode, tiling_allowed, params->selector,
-                      params->min_padded_row_bytes, e, 0);
+  const Dimensions minimal = align_minimally(
+      process, params->width, params->height, params->plane, params->format, params->samples,
+      tiling_mode, tiling_allowed, params->selector, params->min_padded_row_bytes, e, 0);
   *result->minimal_row_bytes = bytes * minimal.width;
   const Dimensions full =
       align_fully(process, params->width, params->height, params->plane, params->format,

@@ -1,14 +1,20 @@
-// Rounding and division as the 32-bit machine does them: unsigned values wrap, signed ones wrap as two's
-// complement, and a zero divisor is a fault.
+// Rounding and division as the 32-bit machine does them: unsigned values wrap, signed ones wrap as
+// two's complement, and a zero divisor is a fault.
 #include "rules.h"
 
 namespace reference {
 
-uint32_t round_up(uint32_t x, uint32_t a) { return (x + a - 1) & ~(a - 1); }
+uint32_t round_up(uint32_t x, uint32_t a) {
+  return (x + a - 1) & ~(a - 1);
+}
 
-uint64_t round_up_64(uint64_t x, uint64_t a) { return (x + a - 1) & ~(a - 1); }
+uint64_t round_up_64(uint64_t x, uint64_t a) {
+  return (x + a - 1) & ~(a - 1);
+}
 
-uint32_t round_up_to_multiple(uint32_t x, uint32_t a) { return a + divide(x - 1, a) * a; }
+uint32_t round_up_to_multiple(uint32_t x, uint32_t a) {
+  return a + divide(x - 1, a) * a;
+}
 
 uint32_t divide(uint32_t x, uint32_t y) {
   if (y == 0) {
@@ -17,7 +23,9 @@ uint32_t divide(uint32_t x, uint32_t y) {
   return x / y;
 }
 
-uint32_t ceil_divide(uint32_t x, uint32_t y) { return divide(x + y - 1, y); }
+uint32_t ceil_divide(uint32_t x, uint32_t y) {
+  return divide(x + y - 1, y);
+}
 
 int32_t ceil_divide_signed(int32_t x, int32_t y) {
   if (y == 0) {

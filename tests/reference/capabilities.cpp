@@ -6,13 +6,13 @@ namespace reference {
 namespace {
 
 bool every_family_renders(uint32_t f) {
-  return among(f, {{2, 4},     {10, 14},   {16, 18},   {24, 32},   {34, 38},   {41, 43}, {49, 52},
-                   54,         {56, 59},   {61, 65},   {85, 88},   {90, 93},   {101, 104}, 106,
-                   107,        115,        502,        503,        506,        507,      509,
-                   511,        512,        514,        515,        {517, 520}, 522,      524,
-                   525,        527,        528,        530,        532,        535,      {537, 547},
-                   {610, 622}, 625,        647,        648,        650,        652,      653,
-                   660,        678});
+  return among(f,
+               {{2, 4},   {10, 14},   {16, 18},   {24, 32},   {34, 38},   {41, 43}, {49, 52}, 54,
+                {56, 59}, {61, 65},   {85, 88},   {90, 93},   {101, 104}, 106,      107,      115,
+                502,      503,        506,        507,        509,        511,      512,      514,
+                515,      {517, 520}, 522,        524,        525,        527,      528,      530,
+                532,      535,        {537, 547}, {610, 622}, 625,        647,      648,      650,
+                652,      653,        660,        678});
 }
 
 bool depth_stencil_target(uint32_t f) {
@@ -46,15 +46,15 @@ bool rendered_by_family7(const ChipFacts& chip, uint32_t f, bool depth_stencil_u
 }
 
 bool every_family_samples(uint32_t f) {
-  return among(f, {{2, 4},     {10, 14},   {16, 18},   21,         22,         {24, 26}, {28, 32},
-                   {34, 38},   {41, 43},   {49, 52},   54,         {56, 59},   {61, 65}, {67, 88},
-                   91,         {93, 100},  103,        104,        107,        115,      133,
-                   137,        141,        145,        149,        153,        157,      161,
-                   165,        169,        173,        177,        181,        185,      502,
-                   503,        506,        507,        509,        511,        512,      514,
-                   515,        {517, 520}, 522,        524,        525,        527,      528,
-                   530,        532,        535,        {537, 547}, {568, 622}, {625, 648}, 650,
-                   {652, 664}, 678,        681,        682});
+  return among(
+      f, {{2, 4},     {10, 14}, {16, 18}, 21,         22,         {24, 26},   {28, 32},   {34, 38},
+          {41, 43},   {49, 52}, 54,       {56, 59},   {61, 65},   {67, 88},   91,         {93, 100},
+          103,        104,      107,      115,        133,        137,        141,        145,
+          149,        153,      157,      161,        165,        169,        173,        177,
+          181,        185,      502,      503,        506,        507,        509,        511,
+          512,        514,      515,      {517, 520}, 522,        524,        525,        527,
+          528,        530,      532,      535,        {537, 547}, {568, 622}, {625, 648}, 650,
+          {652, 664}, 678,      681,      682});
 }
 
 bool depth_stencil_resource(uint32_t f) {
@@ -71,8 +71,7 @@ bool sampled_by_family5(const ChipFacts& chip, uint32_t f, uint32_t samples, boo
     answer = samples < 2 && !view;
   }
   // Two models cannot read these block formats.
-  if (answer && chip.family5_sample_excluded &&
-      among(f, {80, 81, 83, 84, 95, 96, {626, 635}})) {
+  if (answer && chip.family5_sample_excluded && among(f, {80, 81, 83, 84, 95, 96, {626, 635}})) {
     answer = false;
   }
   return answer;
@@ -148,14 +147,12 @@ bool ubwc_supported(const Process& process, uint32_t format) {
     case 520:
     case 614:
     case 619:
-    case 620:
-      return true;
+    case 620: return true;
     case 40:
     case 45:
     case 55:
     case 548:
-    case 610:
-      return !chip.ubwc_depth_excluded;
+    case 610: return !chip.ubwc_depth_excluded;
     case 104:
     case 654:
     case 655:
@@ -167,17 +164,13 @@ bool ubwc_supported(const Process& process, uint32_t format) {
     case 661:
     case 662:
     case 663:
-    case 664:
-      return chip.ubwc_yuv_a || chip.ubwc_yuv_b;
+    case 664: return chip.ubwc_yuv_a || chip.ubwc_yuv_b;
     case 683:
-    case 684:
-      return chip.ubwc_yuv_b;
+    case 684: return chip.ubwc_yuv_b;
     case 709:
     case 710:
-    case 711:
-      return chip.ubwc_yuv16;
-    default:
-      return false;
+    case 711: return chip.ubwc_yuv16;
+    default: return false;
   }
 }
 

@@ -3,7 +3,9 @@
 
 namespace reference {
 
-bool has_record(uint32_t format) { return format < 722; }
+bool has_record(uint32_t format) {
+  return format < 722;
+}
 
 FormatRecord format_record(uint32_t format) {
   const uint32_t f = format;
@@ -58,16 +60,33 @@ FormatRecord format_record(uint32_t format) {
   if (among(f, {70, 79})) return {0x2400, 8, 1};
   if (among(f, {71, 681})) return {0x2002, 8, 1};
   if (among(f, {72, 682})) return {0x2102, 8, 1};
-  if (among(f, {73,  76,  82,  94,  97,  133, 137, 141, 145, 149,
-                153, 157, 161, 165, 169, 173, 177, 181, 185})) {
+  if (among(f, {73, 76, 82, 94, 97, 133, 137, 141, 145, 149, 153, 157, 161, 165, 169, 173, 177, 181,
+                185})) {
     return {0x2400, 16, 1};
   }
-  if (among(f, {74,  77,  83,  98,  134, 138, 142, 146, 150, 154,
-                158, 162, 166, 170, 174, 178, 182, 186, {568, 581}})) {
+  if (among(f, {74,
+                77,
+                83,
+                98,
+                134,
+                138,
+                142,
+                146,
+                150,
+                154,
+                158,
+                162,
+                166,
+                170,
+                174,
+                178,
+                182,
+                186,
+                {568, 581}})) {
     return {0x2002, 16, 1};
   }
-  if (among(f, {75,  78,  99,  135, 139, 143, 147, 151, 155,
-                159, 163, 167, 171, 175, 179, 183, 187})) {
+  if (among(f,
+            {75, 78, 99, 135, 139, 143, 147, 151, 155, 159, 163, 167, 171, 175, 179, 183, 187})) {
     return {0x2102, 16, 1};
   }
   if (among(f, {80, 81, 596, 599, 600, {603, 605}})) return {0x2000, 8, 1};
@@ -131,22 +150,14 @@ bool has_flag(uint32_t format, uint32_t flags) {
   return (format_record(format).flags & flags) != 0;
 }
 
-uint32_t element_bytes(uint32_t format) { return format_record(format).bytes; }
+uint32_t element_bytes(uint32_t format) {
+  return format_record(format).bytes;
+}
 
 Dimensions format_block_dims(uint32_t format) {
   const uint32_t f = format;
-  if (among(f, {{70, 84},
-                {94, 99},
-                {133, 135},
-                568,
-                582,
-                {596, 609},
-                628,
-                629,
-                638,
-                639,
-                681,
-                682})) {
+  if (among(f,
+            {{70, 84}, {94, 99}, {133, 135}, 568, 582, {596, 609}, 628, 629, 638, 639, 681, 682})) {
     return {4, 4};
   }
   if (among(f, {{137, 139}, 569, 583, 630, 640})) return {5, 4};
@@ -173,30 +184,30 @@ uint32_t format_plane_bytes(uint32_t format, uint32_t plane) {
   const uint32_t f = format;
   if (plane == 0) {
     if (f == 20 || f == 551) return 4;  // the depth half alone
-    if (among(f, {{1, 4},     {73, 78},   {82, 84},   {94, 99},   {133, 135}, {137, 139},
-                  {141, 143}, {145, 147}, {149, 151}, {153, 155}, {157, 159}, {161, 163},
-                  {165, 167}, {169, 171}, {173, 175}, {177, 179}, {181, 183}, {185, 187},
-                  524,        527,        530,        557,        562,        {567, 595},
-                  597,        598,        601,        602,        606,        609,
-                  {626, 645}})) {
+    if (among(f,
+              {{1, 4},     {73, 78},   {82, 84},   {94, 99},   {133, 135}, {137, 139}, {141, 143},
+               {145, 147}, {149, 151}, {153, 155}, {157, 159}, {161, 163}, {165, 167}, {169, 171},
+               {173, 175}, {177, 179}, {181, 183}, {185, 187}, 524,        527,        530,
+               557,        562,        {567, 595}, 597,        598,        601,        602,
+               606,        609,        {626, 645}})) {
       return 16;
     }
     if (among(f, {{5, 8}, 556, 561, 566})) return 12;
-    if (among(f, {{9, 19}, 21,  22,  {70, 72}, {79, 81},   102, 108, 109, 522, 525, 528, 543, 555,
-                  560,     565, 596, 599,      600,        {603, 605}, 607, 608, 656, 681, 682,
-                  685,     686})) {
+    if (among(f,
+              {{9, 19}, 21,  22,  {70, 72}, {79, 81},   102, 108, 109, 522, 525, 528, 543, 555, 560,
+               565,     596, 599, 600,      {603, 605}, 607, 608, 656, 681, 682, 685, 686})) {
       return 8;
     }
-    if (among(f, {{23, 47}, 67,  {87, 93}, 100, 101,        {116, 118}, 501, 507, 509, 512,
-                  515,      520, {531, 539}, 542, 545,      547,        548, 550, 553, 554,
-                  559,      564, {620, 622}, {648, 651}, 654, 655,      664, 669, 683, 684,
-                  711,      714, 716,        719,        721})) {
+    if (among(f, {{23, 47}, 67,  {87, 93}, 100,        101,        {116, 118}, 501, 507, 509,
+                  512,      515, 520,      {531, 539}, 542,        545,        547, 548, 550,
+                  553,      554, 559,      564,        {620, 622}, {648, 651}, 654, 655, 664,
+                  669,      683, 684,      711,        714,        716,        719, 721})) {
       return 4;
     }
-    if (among(f, {{48, 59}, 68,  69,         85,  86,  104, 105,        107, 114, 115,
-                  503,      511, 514,        {517, 519}, 540, 541, 544, 546, {610, 614}, 617,
-                  618,      652, 653,        658, 659, 662, 663,        {666, 668}, 678, 680,
-                  709,      710, 712,        713, 715, 717, 718,        720})) {
+    if (among(f,
+              {{48, 59},   68,         69,  85,  86,  104,        105, 107, 114, 115, 503, 511, 514,
+               {517, 519}, 540,        541, 544, 546, {610, 614}, 617, 618, 652, 653, 658, 659, 662,
+               663,        {666, 668}, 678, 680, 709, 710,        712, 713, 715, 717, 718, 720})) {
       return 2;
     }
     if (among(f, {508, 510, 513, 516, 521, 549, 623, 624})) return 3;
@@ -234,8 +245,7 @@ uint32_t listed_substitute_format(uint32_t format) {
     case 8:
     case 556:
     case 561:
-    case 566:
-      return 567;
+    case 566: return 567;
     case 508:
     case 510:
     case 513:
@@ -243,16 +253,13 @@ uint32_t listed_substitute_format(uint32_t format) {
     case 521:
     case 549:
     case 623:
-    case 624:
-      return 28;
+    case 624: return 28;
     case 523:
     case 526:
     case 529:
     case 558:
-    case 563:
-      return 11;
-    default:
-      return format;
+    case 563: return 11;
+    default: return format;
   }
 }
 
@@ -260,64 +267,41 @@ uint32_t plane_format(uint32_t format, uint32_t plane) {
   if (plane == 0) {
     switch (format) {
       case 615:
-      case 616:
-        return 625;
-      case 105:
-        return 715;
+      case 616: return 625;
+      case 105: return 715;
       case 20:
-      case 551:
-        return 40;
+      case 551: return 40;
       case 103:
       case 506:
       case 619:
-      case 647:
-        return 657;
-      case 104:
-        return 663;
-      case 654:
-        return 655;
-      case 660:
-        return 661;
-      case 709:
-        return 710;
-      case 712:
-        return 713;
-      case 717:
-        return 718;
-      default:
-        return format;
+      case 647: return 657;
+      case 104: return 663;
+      case 654: return 655;
+      case 660: return 661;
+      case 709: return 710;
+      case 712: return 713;
+      case 717: return 718;
+      default: return format;
     }
   }
   if (plane == 1) {
     switch (format) {
       case 615:
-      case 616:
-        return 625;
-      case 105:
-        return 716;
+      case 616: return 625;
+      case 105: return 716;
       case 20:
-      case 551:
-        return 552;
+      case 551: return 552;
       case 103:
-      case 506:
-        return 658;
+      case 506: return 658;
       case 619:
-      case 647:
-        return 659;
-      case 104:
-        return 664;
-      case 654:
-        return 656;
-      case 660:
-        return 662;
-      case 709:
-        return 711;
-      case 712:
-        return 714;
-      case 717:
-        return 719;
-      default:
-        return format;
+      case 647: return 659;
+      case 104: return 664;
+      case 654: return 656;
+      case 660: return 662;
+      case 709: return 711;
+      case 712: return 714;
+      case 717: return 719;
+      default: return format;
     }
   }
   if (plane == 2 && (format == 615 || format == 616)) return 625;

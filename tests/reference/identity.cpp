@@ -99,7 +99,9 @@ const ChipFacts& facts(const Process& process) {
   return none;
 }
 
-bool is_supported_chip(const Process& process) { return facts(process).supported; }
+bool is_supported_chip(const Process& process) {
+  return facts(process).supported;
+}
 
 uint32_t chip_group(const Process& process) {
   if (!is_supported_chip(process)) {

@@ -62,7 +62,7 @@ uint32_t padded_pitch(uint32_t size_class, uint32_t pitch, bool second_half) {
   return table_entry(size_class, ceil_divide(pitch, 64) + (second_half ? 33 : 0));
 }
 
-// The value before the family's clamp. Elements of no size and of 32 bytes or more never get here.
+// The value before the family's clamp, for elements of 1 to 31 bytes.
 uint32_t pitch_padding_lookup(uint32_t w, uint32_t e, uint32_t selector) {
   uint32_t size_class = 0;
   while ((2u << size_class) <= e) {

@@ -1,9 +1,9 @@
 // A second, plain statement of what korvel_utils does, for the tests to compare the library with.
 //
-// Nothing here is shared with the library: every rule is written out again, slowly and directly, over
-// a chip whose hardware facts the test hands in. One Process stands for one process with the library
-// loaded: how its device behaves, what the library has learned about the chip so far, what it logged
-// and which operations of the services library it called.
+// Nothing here is shared with the library: every rule is written out again, slowly and directly,
+// over a chip whose hardware facts the test hands in. One Process stands for one process with the
+// library loaded: how its device behaves, what the library has learned about the chip so far, what
+// it logged and which operations of the services library it called.
 //
 // The functions carry the names and the argument order of the library's exports behind a Process.
 // Where the library would divide by zero they throw DivisionFault.
@@ -24,7 +24,7 @@ struct ChipFacts {
   uint32_t family_id = 0;
   uint32_t model_code = 0;
   uint32_t rev_id = 0;
-  bool known = false;      // has a row in the identification tables; all else is ignored without one
+  bool known = false;  // has a row in the identification tables; all else is ignored without one
   bool supported = false;  // in the supported-chip list, in the group of its family
 
   // Membership in the set of each property column.
@@ -57,7 +57,8 @@ struct ChipFacts {
   uint32_t padding_g = 0;  // by model code
 };
 
-// What the services library answers. The default is a device that works and cannot do secure contexts.
+// What the services library answers. The default is a device that works and cannot do secure
+// contexts.
 struct Device {
   uint32_t library_open_result = 0;  // non-zero: the library cannot be opened
   uint32_t handle = 1;               // 0: the device cannot be opened
@@ -76,9 +77,9 @@ struct Identity {
 };
 
 struct Message {
-  std::string function;           // the reporting function
-  std::string format;             // as handed to os_alog
-  std::string text;               // with its arguments filled in
+  std::string function;            // the reporting function
+  std::string format;              // as handed to os_alog
+  std::string text;                // with its arguments filled in
   std::size_t services_calls = 0;  // how many entries Process::service_calls had by then
 };
 
@@ -148,11 +149,12 @@ void compute_fmt_aligned_width_and_height(Process& process, int32_t width, int32
                                           int32_t min_padded_row_bytes, uint32_t* out_width,
                                           uint32_t* out_height);
 
-void compute_fmt_minimal_aligned_width_and_height(
-    Process& process, int32_t width, int32_t height, uint32_t plane, uint32_t format,
-    uint32_t samples, uint32_t tiling_mode, uint32_t tiling_allowed, uint32_t selector,
-    int32_t min_padded_row_bytes, uint32_t divisor, uint32_t want_extra_padding,
-    uint32_t* out_width, uint32_t* out_height);
+void compute_fmt_minimal_aligned_width_and_height(Process& process, int32_t width, int32_t height,
+                                                  uint32_t plane, uint32_t format, uint32_t samples,
+                                                  uint32_t tiling_mode, uint32_t tiling_allowed,
+                                                  uint32_t selector, int32_t min_padded_row_bytes,
+                                                  uint32_t divisor, uint32_t want_extra_padding,
+                                                  uint32_t* out_width, uint32_t* out_height);
 
 void compute_fmt_aligned_width_and_height_in_bytes(Process& process,
                                                    const AlignInBytesParams* params,

@@ -9,7 +9,9 @@ namespace reference {
 
 namespace {
 
-void record(Process& process, const std::string& call) { process.service_calls.push_back(call); }
+void record(Process& process, const std::string& call) {
+  process.service_calls.push_back(call);
+}
 
 }  // namespace
 
@@ -27,11 +29,12 @@ uint32_t call_library_open(Process& process, uint32_t flags) {
   return process.device.library_open_result;
 }
 
-void call_library_close(Process& process) { record(process, "hxl_library_close()"); }
+void call_library_close(Process& process) {
+  record(process, "hxl_library_close()");
+}
 
 uint32_t call_device_open(Process& process, uint32_t index, uint32_t flags) {
-  record(process,
-         "hxl_device_open(" + std::to_string(index) + ", " + std::to_string(flags) + ")");
+  record(process, "hxl_device_open(" + std::to_string(index) + ", " + std::to_string(flags) + ")");
   return process.device.handle;
 }
 
