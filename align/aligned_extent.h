@@ -17,8 +17,7 @@ constexpr Extent aligned_extent(const ChipRow& chip, Extent size, const Alignmen
     return {align_width_family5(chip, size.width, request),
             align_height_family5(size.height, request)};
   }
-  return {align_width_family67(chip, size.width, request, request.tiling_mode),
-          align_height_family67(size.height, request)};
+  return align_family67(chip, size, request, request.tiling_mode);
 }
 
 }  // namespace korvel

@@ -23,8 +23,8 @@ constexpr uint32_t family5_stepped_width(uint32_t width) {
 // Bytes of a row of tiles. `bytes` an element, all samples; other sizes than these are not rounded.
 constexpr uint32_t tile_row_bytes(uint32_t row_bytes, uint32_t bytes, const FormatTraits& format) {
   switch (bytes) {
-    case 1: return round_up(row_bytes, (format.rules & kRuleWideByteTile) != 0 ? 256U : 128U);
-    case 2: return round_up(row_bytes, (format.rules & kRuleTallTileFamily5) != 0 ? 128U : 256U);
+    case 1: return round_up(row_bytes, tile_variant_family5(format) == kTileWideByte ? 256U : 128U);
+    case 2: return round_up(row_bytes, tile_variant_family5(format) == kTileTall ? 128U : 256U);
     case 4:
     case 8:
     case 16:
@@ -53,9 +53,9 @@ constexpr uint32_t align_width_family5(const ChipRow& chip, uint32_t width,
 constexpr uint32_t align_height_family5(uint32_t height, const AlignmentRequest& request) {
   if (!is_tiled(request)) return takes_64_rows(request) ? round_up(height, 64U) : height;
   const uint32_t bytes = element_bytes(request);
-  const uint32_t rules = request.format.rules;
-  if (bytes == 2 && (rules & kRuleTallTileFamily5) != 0) return round_up(height, 32U);
-  if (bytes == 1 && (rules & kRuleWideByteTile) != 0) return round_up(height, 16U);
+  const TileVariant variant = tile_variant_family5(request.format);
+  if (bytes == 2 && variant == kTileTall) return round_up(height, 32U);
+  if (bytes == 1 && variant == kTileWideByte) return round_up(height, 16U);
   return round_up(height, bytes > 1 ? 16U : 32U);
 }
 

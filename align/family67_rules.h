@@ -13,46 +13,59 @@
 
 namespace korvel {
 
-// Of the format that describes the request's plane; the width in texels.
-constexpr TileSize family67_plane_tile(const AlignmentRequest& request) {
+// Both in texels, where blocks hold several.
+struct TexelTile {
+  uint32_t width;
+  uint32_t height;
+};
+
+// Of the format that describes the request's plane.
+constexpr TexelTile plane_tile_family67(const AlignmentRequest& request) {
   const FormatTraits& plane = plane_traits(request.format, request.plane);
-  TileSize tile = tile_size(plane.bytes * request.samples, plane.rules, kRuleTallTileFamily67);
-  tile.width *= plane.block_width;
-  tile.height *= plane.block_height;
-  return tile;
+  const TileSize tile = tile_size(plane.bytes * request.samples, tile_variant_family67(plane));
+  return {uint32_t{tile.width} * plane.block_width, uint32_t{tile.height} * plane.block_height};
 }
 
-constexpr uint32_t family67_tiled_width(uint32_t width, const AlignmentRequest& request) {
-  const uint32_t block_width = request.format.block_width;
-  const uint32_t tile_width = family67_plane_tile(request).width;
+constexpr uint32_t align_tiled_width_family67(uint32_t width, uint32_t tile_width,
+                                              uint32_t block_width) {
   return round_up_to_multiple(width * block_width, tile_width) / block_width;
 }
 
-// `tiling_allowed` 1: the surface may become tiled later, so its linear width takes whole tiles.
-constexpr uint32_t base_aligned_width_family67(uint32_t width, const AlignmentRequest& request,
-                                               uint32_t tiling_allowed) {
-  if (is_tiled(request)) return family67_tiled_width(width, request);
-  return linear_base_width(width, request, kLinearRulesFamily67,
-                           tiling_allowed == KORVEL_TILING_TILED);
+// `alignment` in rows of texels. A count that wrapped below 0 takes one alignment, as 0 does.
+constexpr uint32_t align_height_family67(uint32_t rows, uint32_t alignment, uint32_t block_height) {
+  const auto texel_rows = static_cast<int32_t>(rows * block_height);
+  const uint32_t counted = texel_rows > 0 ? static_cast<uint32_t>(texel_rows) : 0;
+  return round_up_to_multiple(counted, alignment) / block_height;
 }
 
-constexpr uint32_t align_width_family67(const ChipRow& chip, uint32_t width,
-                                        const AlignmentRequest& request, uint32_t tiling_allowed) {
-  const uint32_t padded_width = width + request.extra.width;
-  const uint32_t base = base_aligned_width_family67(padded_width, request, tiling_allowed);
-  if (is_tiled(request)) return base;
+constexpr Extent align_tiled_family67(Extent size, const AlignmentRequest& request) {
+  const FormatTraits& format = request.format;
+  const TexelTile tile = plane_tile_family67(request);
+  return {align_tiled_width_family67(size.width, tile.width, format.block_width),
+          align_height_family67(size.height, tile.height, format.block_height)};
+}
+
+// `tiling_allowed` 1: the surface may become tiled later, so its linear width takes whole tiles.
+constexpr uint32_t align_linear_width_family67(const ChipRow& chip, uint32_t width,
+                                               const AlignmentRequest& request,
+                                               uint32_t tiling_allowed) {
+  const bool whole_tiles = tiling_allowed == KORVEL_TILING_TILED;
+  const uint32_t base = linear_base_width(width, request, kLinearRulesFamily67, whole_tiles);
   return finish_linear_width(chip, request, base, element_bytes(request));
 }
 
-constexpr uint32_t align_height_family67(uint32_t height, const AlignmentRequest& request) {
-  const uint32_t rows = height + request.extra.height;
-  if (takes_64_rows(request)) return round_up(rows, 64U);
+constexpr uint32_t align_linear_height_family67(uint32_t height, const AlignmentRequest& request) {
+  if (takes_64_rows(request)) return round_up(height, 64U);
   const uint32_t block_height = request.format.block_height;
-  const uint32_t alignment = is_tiled(request) ? family67_plane_tile(request).height : block_height;
-  const uint32_t texel_rows = rows * block_height;
-  // A count that wrapped below 0 takes one alignment, as 0 does.
-  const uint32_t counted = static_cast<int32_t>(texel_rows) > 0 ? texel_rows : 0;
-  return round_up_to_multiple(counted, alignment) / block_height;
+  return align_height_family67(height, block_height, block_height);
+}
+
+constexpr Extent align_family67(const ChipRow& chip, Extent size, const AlignmentRequest& request,
+                                uint32_t tiling_allowed) {
+  const Extent padded = {size.width + request.extra.width, size.height + request.extra.height};
+  if (is_tiled(request)) return align_tiled_family67(padded, request);
+  return {align_linear_width_family67(chip, padded.width, request, tiling_allowed),
+          align_linear_height_family67(padded.height, request)};
 }
 
 }  // namespace korvel

@@ -35,11 +35,11 @@ constexpr uint32_t round_up_by_mask(uint32_t width, uint32_t step) {
 
 // Where the family sets differ.
 struct LinearRules {
-  FormatRule in_blocks;  // formats whose alignment counts in blocks
-  FormatRule tall_tile;  // formats with the tall tile
+  FormatRule in_blocks;                              // formats whose alignment counts in blocks
+  TileVariant (*tile_variant)(const FormatTraits&);  // formats with another tile
 };
-inline constexpr LinearRules kLinearRulesFamily5 = {kRuleBlockFamily5, kRuleTallTileFamily5};
-inline constexpr LinearRules kLinearRulesFamily67 = {kRuleBlockFamily67, kRuleTallTileFamily67};
+inline constexpr LinearRules kLinearRulesFamily5 = {kRuleBlockFamily5, tile_variant_family5};
+inline constexpr LinearRules kLinearRulesFamily67 = {kRuleBlockFamily67, tile_variant_family67};
 
 // Bytes, although widths are aligned to it as elements: the request's divisor makes them elements.
 constexpr uint32_t linear_alignment_bytes(const AlignmentRequest& request, const LinearRules& rules,
@@ -50,7 +50,7 @@ constexpr uint32_t linear_alignment_bytes(const AlignmentRequest& request, const
 
   uint32_t elements;
   if (whole_tiles) {
-    elements = tile_size(bytes, format.rules, rules.tall_tile).width;
+    elements = tile_size(bytes, rules.tile_variant(format)).width;
   } else {
     elements = in_blocks ? blocks_in_unit(bytes) : elements_in_whole_units(bytes);
   }

@@ -28,8 +28,7 @@ inline Extent minimal_extent(const ChipRow& chip, int32_t width, int32_t height,
           return Extent{minimal_width_family5(chip, size.width, request, tiling_allowed),
                         align_height_family5(size.height, request)};
         }
-        return Extent{align_width_family67(chip, size.width, request, tiling_allowed),
-                      align_height_family67(size.height, request)};
+        return align_family67(chip, size, request, tiling_allowed);
       });
 }
 

@@ -9,8 +9,8 @@
 namespace korvel {
 
 struct TileSize {
-  uint32_t width;   // elements; for formats that count in blocks, before their block width
-  uint32_t height;  // rows of elements
+  uint16_t width;   // elements
+  uint16_t height;  // rows of elements
 };
 
 struct TileSizeRow {
@@ -34,18 +34,24 @@ inline constexpr TileSize kTallTileSize     = { 64, 32};  // 2 bytes
 
 inline constexpr uint32_t kLargestTileBytes = 64;
 
-inline constexpr auto kTileSizeByBytes = [] {
-  std::array<TileSize, kLargestTileBytes + 1> sizes{};
+// Tiles of one variant by element size.
+using TileSizes = std::array<TileSize, kLargestTileBytes + 1>;
+
+constexpr TileSizes tile_sizes(TileVariant variant) {
+  TileSizes sizes{};
   sizes.fill(kOtherTileSize);
   for (const TileSizeRow& row : kTileSizes) sizes[row.bytes] = row.tile;
+  if (variant == kTileWideByte) sizes[1] = kWideByteTileSize;
+  if (variant == kTileTall) sizes[2] = kTallTileSize;
   return sizes;
-}();
+}
 
-// `tall_rule` is the tall-tile bit of the family set; `rules` are those of the format (FormatRule).
-constexpr TileSize tile_size(uint32_t bytes, uint32_t rules, FormatRule tall_rule) {
-  if (bytes == 1 && (rules & kRuleWideByteTile) != 0) return kWideByteTileSize;
-  if (bytes == 2 && (rules & tall_rule) != 0) return kTallTileSize;
-  return bytes <= kLargestTileBytes ? kTileSizeByBytes[bytes] : kOtherTileSize;
+inline constexpr std::array<TileSizes, kTileVariants> kTileSizesByVariant = {
+    tile_sizes(kTilePlain), tile_sizes(kTileWideByte), tile_sizes(kTileTall)};
+
+// `variant` is the format's TileVariant in the family set.
+constexpr TileSize tile_size(uint32_t bytes, uint32_t variant) {
+  return bytes <= kLargestTileBytes ? kTileSizesByVariant[variant][bytes] : kOtherTileSize;
 }
 
 }  // namespace korvel

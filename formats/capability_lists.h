@@ -80,16 +80,23 @@ constexpr ListMask lists_that_hold(std::span<const CapabilityList> lists, const 
   return static_cast<ListMask>(mask);
 }
 
-using FormatMasks = std::array<ListMask, kFormatCount>;
-
-constexpr FormatMasks lists_that_name_formats(std::span<const CapabilityList> lists) {
-  FormatMasks masks{};
+constexpr std::array<ListMask, kFormatCount> lists_that_name_formats(
+    std::span<const CapabilityList> lists) {
+  std::array<ListMask, kFormatCount> masks{};
   for (std::size_t i = 0; i < lists.size(); ++i) {
     for_each_id(lists[i].ids,
                 [&](FormatId id) { masks[id] = static_cast<ListMask>(masks[id] | (1U << i)); });
   }
   return masks;
 }
+
+// Both masks of one predicate. `ChipMasks` has one mask for each usage that the predicate tells
+// apart.
+template <typename ChipMasks>
+struct CapabilityTables {
+  std::array<ListMask, kFormatCount> of_format;
+  std::array<ChipMasks, kChipRowCount> of_chip;
+};
 
 // Every list is sorted, and no format stands in two lists of one family.
 constexpr bool lists_are_disjoint(std::span<const CapabilityList> lists) {

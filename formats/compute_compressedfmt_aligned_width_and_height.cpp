@@ -6,7 +6,7 @@
 
 namespace {
 
-constexpr char kName[] = "compute_compressedfmt_aligned_width_and_height";
+constexpr const char* kName = "compute_compressedfmt_aligned_width_and_height";
 
 // The message prints the low half of a pointer.
 uint32_t low_half(const uint32_t* pointer) {

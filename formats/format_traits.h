@@ -16,23 +16,29 @@
 namespace korvel {
 
 // Yes-or-no questions of the rules, one bit each.
-enum FormatRule : uint16_t {
-  kRuleDepthStencil = 0x1,              // always laid out tiled
-  kRuleBlockCompressed = 0x2,           // surface sizes are turned into blocks first
-  kRuleBlockFamily5 = 0x4,              // family 5 aligns its linear width in blocks
-  kRuleBlockFamily67 = 0x8,             // families 6 and 7 align its linear width in blocks
-  kRuleUnpaddedPitch = 0x10,            // its linear pitch is never padded
-  kRuleWideByteTile = 0x20,             // 1-byte elements in a tile twice as wide and half as high
-  kRuleTallTileFamily5 = 0x40,          // 2-byte elements in the tall tile
-  kRuleTallTileFamily67 = 0x80,         //
-  kRuleTallSampleTileFamily5 = 0x100,   // 2-byte elements in the tall sample tile
-  kRuleTallSampleTileFamily67 = 0x200,  //
-  kRuleSampleTileByFormat = 0x400,      // families 6 and 7 know its sample tile by format alone
+enum FormatRule : uint8_t {
+  kRuleDepthStencil = 0x1,             // always laid out tiled
+  kRuleBlockCompressed = 0x2,          // surface sizes are turned into blocks first
+  kRuleBlockFamily5 = 0x4,             // family 5 aligns its linear width in blocks
+  kRuleBlockFamily67 = 0x8,            // families 6 and 7 align its linear width in blocks
+  kRuleUnpaddedPitch = 0x10,           // its linear pitch is never padded
+  kRuleTallSampleTileFamily5 = 0x20,   // 2-byte elements in the tall sample tile
+  kRuleTallSampleTileFamily67 = 0x40,  //
+  kRuleSampleTileByFormat = 0x80,      // families 6 and 7 know its sample tile by format alone
+};
+
+// Which tile a format's elements take where their size leaves a choice.
+enum TileVariant : uint8_t {
+  kTilePlain,
+  kTileWideByte,  // 1-byte elements: twice as wide, half as high
+  kTileTall,      // 2-byte elements: half as wide, twice as high
+  kTileVariants,
 };
 
 struct FormatTraits {
   uint16_t plane_index[kPlanes];  // row of the format that describes each plane
-  uint16_t rules;                 // FormatRule
+  uint8_t rules;                  // FormatRule
+  uint8_t tile_variants;          // TileVariant, families 6 and 7 in bits 0-3, family 5 in bits 4-7
   uint8_t bytes;                  // the record's element size
   uint8_t substitute_bytes;       // that of the substitute: a power of two
   uint8_t plane_bytes[kPlanes];   // element size of each plane, 0 where there is none
@@ -57,20 +63,35 @@ constexpr bool is_block_like_on_family5(FormatId format) {
   return contains(kBlockLike, format);
 }
 
-constexpr uint16_t format_rules(FormatId format) {
+constexpr TileVariant tile_variant(FormatId format, std::span<const IdRange> tall_tile_formats) {
+  if (is_wide_byte_format(format)) return kTileWideByte;
+  return contains(tall_tile_formats, format) ? kTileTall : kTilePlain;
+}
+
+constexpr uint8_t tile_variants(FormatId format) {
+  return static_cast<uint8_t>(tile_variant(format, kTallTileFormatsFamily67) |
+                              tile_variant(format, kTallTileFormatsFamily5) << 4);
+}
+
+constexpr TileVariant tile_variant_family5(const FormatTraits& format) {
+  return static_cast<TileVariant>(format.tile_variants >> 4);
+}
+
+constexpr TileVariant tile_variant_family67(const FormatTraits& format) {
+  return static_cast<TileVariant>(format.tile_variants & 0xF);
+}
+
+constexpr uint8_t format_rules(FormatId format) {
   const uint32_t flags = format_record(format).flags;
   const bool compressed = (flags & FORMAT_FLAG_BLOCK_COMPRESSED) != 0;
   const bool video = (flags & FORMAT_FLAG_VIDEO) != 0;
   const auto bit = [](bool yes, FormatRule rule) { return yes ? uint32_t{rule} : 0; };
-  return static_cast<uint16_t>(
+  return static_cast<uint8_t>(
       bit((flags & FORMAT_FLAG_DEPTH_STENCIL) != 0, kRuleDepthStencil) |
       bit(compressed, kRuleBlockCompressed) |
       bit(compressed || is_block_like_on_family5(format), kRuleBlockFamily5) |
       bit((flags & kFormatFlagsBlock) != 0, kRuleBlockFamily67) |
       bit(compressed || video, kRuleUnpaddedPitch) |
-      bit(is_wide_byte_format(format), kRuleWideByteTile) |
-      bit(contains(kTallTileFormatsFamily5, format), kRuleTallTileFamily5) |
-      bit(contains(kTallTileFormatsFamily67, format), kRuleTallTileFamily67) |
       bit(contains(kTallSampleTileFormatsFamily5, format), kRuleTallSampleTileFamily5) |
       bit(contains(kTallSampleTileFormatsFamily67, format), kRuleTallSampleTileFamily67) |
       bit(video, kRuleSampleTileByFormat));
@@ -81,6 +102,7 @@ constexpr FormatTraits traits_of(FormatId format) {
   for (uint16_t& plane : traits.plane_index) plane = static_cast<uint16_t>(format);
   traits.plane_bytes[0] = static_cast<uint8_t>(format_record(format).bytes);
   traits.rules = format_rules(format);
+  traits.tile_variants = tile_variants(format);
   traits.bytes = static_cast<uint8_t>(format_record(format).bytes);
   traits.substitute_bytes =
       static_cast<uint8_t>(format_record(npot_substitute_format(format)).bytes);
@@ -91,7 +113,7 @@ constexpr FormatTraits traits_of(FormatId format) {
 }
 
 // An unused id of the table serves every id beyond it.
-constexpr FormatTraits traits_without_record(uint32_t index, uint16_t rules) {
+constexpr FormatTraits traits_without_record(uint32_t index, uint8_t rules) {
   FormatTraits traits = traits_of(kFormatUnknown);
   for (uint16_t& plane : traits.plane_index) plane = static_cast<uint16_t>(index);
   traits.rules = rules;
@@ -113,16 +135,15 @@ inline constexpr auto kFormatTraits = [] {
   return traits;
 }();
 
-// Rules that test a tile bit test it on the substitute as well as on the format itself: substituted
-// formats have none.
+// Rules that look at a tile variant look at that of the substitute or of the format itself:
+// substituted formats and their substitutes have none.
 static_assert([] {
   for (FormatId id = 0; id < kFormatCount; ++id) {
-    constexpr uint32_t kTileRules =
-        kRuleWideByteTile | kRuleTallTileFamily5 | kRuleTallTileFamily67;
     const FormatId substitute = npot_substitute_format(id);
     if (substitute == id) continue;
-    if (((kFormatTraits[id].rules | kFormatTraits[substitute].rules) & kTileRules) != 0)
+    if ((kFormatTraits[id].tile_variants | kFormatTraits[substitute].tile_variants) != 0) {
       return false;
+    }
   }
   return true;
 }());

@@ -34,34 +34,47 @@ constexpr CapabilityList kLists[] = {
 // clang-format on
 static_assert(lists_are_disjoint(kLists));
 
-constexpr FormatMasks kListsOfFormat = lists_that_name_formats(kLists);
-
 struct ChipMasks {
   ListMask colour;
   ListMask depth_stencil;
 };
 
-constexpr auto kListsOfChip = [] {
-  std::array<ChipMasks, kChipRowCount> masks{};
+constexpr CapabilityTables<ChipMasks> kTables = [] {
+  CapabilityTables<ChipMasks> tables{lists_that_name_formats(kLists), {}};
   for (uint32_t row = 0; row < kChipRowCount; ++row) {
-    masks[row].colour = lists_that_hold(kLists, kChipRows[row], {false, false});
-    masks[row].depth_stencil = lists_that_hold(kLists, kChipRows[row], {true, false});
+    tables.of_chip[row].colour = lists_that_hold(kLists, kChipRows[row], {false, false});
+    tables.of_chip[row].depth_stencil = lists_that_hold(kLists, kChipRows[row], {true, false});
   }
-  return masks;
+  return tables;
 }();
+
+uint32_t is_renderable(uint32_t row, uint32_t format, int32_t depth_stencil_use) {
+  if (format >= kFormatCount) return 0;
+  const ChipMasks& chip = kTables.of_chip[row];
+  const ListMask holding = depth_stencil_use != 0 ? chip.depth_stencil : chip.colour;
+  return (kTables.of_format[format] & holding) != 0;
+}
+
+// The first call, and every call on an unknown chip. Apart, so that all others need no stack.
+[[gnu::cold, gnu::noinline]] uint32_t answer_without_chip(uint32_t format,
+                                                          int32_t depth_stencil_use) {
+  const uint32_t row = identified_row();
+  if (row < kRowFirstChip) {
+    KORVEL_LOG("isFormatRenderableByGpu", "Unknown Family ID %u", kChipRows[row].family_id);
+    return 0;
+  }
+  return is_renderable(row, format, depth_stencil_use);
+}
 
 }  // namespace
 }  // namespace korvel
 
 uint32_t isFormatRenderableByGpu(int32_t format, int32_t depth_stencil_use) {
-  const uint32_t row = korvel::identified_row();
-  if (row < korvel::kRowFirstChip) [[unlikely]] {
-    KORVEL_LOG("isFormatRenderableByGpu", "Unknown Family ID %u", korvel::kChipRows[row].family_id);
-    return 0;
-  }
+  // Negative numbers become large ones, which no list names.
   const auto id = static_cast<uint32_t>(format);
-  if (id >= korvel::kFormatCount) return 0;
-  const korvel::ChipMasks& chip = korvel::kListsOfChip[row];
-  const korvel::ListMask holding = depth_stencil_use != 0 ? chip.depth_stencil : chip.colour;
-  return (korvel::kListsOfFormat[id] & holding) != 0;
+  const uint32_t row = korvel::known_row();
+  if (row < korvel::kRowFirstChip) [[unlikely]] {
+    return korvel::answer_without_chip(id, depth_stencil_use);
+  }
+  return korvel::is_renderable(row, id, depth_stencil_use);
 }

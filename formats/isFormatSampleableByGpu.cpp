@@ -41,35 +41,50 @@ constexpr CapabilityList kLists[] = {
 // clang-format on
 static_assert(lists_are_disjoint(kLists));
 
-constexpr FormatMasks kListsOfFormat = lists_that_name_formats(kLists);
-
-// By usage: colour with one sample, colour with several, depth/stencil. The row is padded to a
-// power of two.
+// By usage; a fourth, unused one makes a chip's masks 8 bytes.
 enum UsageIndex : uint32_t { kColourSingle, kColourMulti, kDepthStencil, kUsages = 4 };
+using ChipMasks = std::array<ListMask, kUsages>;
 
-constexpr auto kListsOfChip = [] {
-  std::array<std::array<ListMask, kUsages>, kChipRowCount> masks{};
+constexpr CapabilityTables<ChipMasks> kTables = [] {
+  CapabilityTables<ChipMasks> tables{lists_that_name_formats(kLists), {}};
   for (uint32_t row = 0; row < kChipRowCount; ++row) {
-    masks[row][kColourSingle] = lists_that_hold(kLists, kChipRows[row], {false, true});
-    masks[row][kColourMulti] = lists_that_hold(kLists, kChipRows[row], {false, false});
-    masks[row][kDepthStencil] = lists_that_hold(kLists, kChipRows[row], {true, false});
+    ChipMasks& chip = tables.of_chip[row];
+    chip[kColourSingle] = lists_that_hold(kLists, kChipRows[row], {false, true});
+    chip[kColourMulti] = lists_that_hold(kLists, kChipRows[row], {false, false});
+    chip[kDepthStencil] = lists_that_hold(kLists, kChipRows[row], {true, false});
   }
-  return masks;
+  return tables;
 }();
+
+uint32_t is_sampleable(uint32_t row, uint32_t format, uint32_t sample_count,
+                       int32_t depth_stencil_view) {
+  if (format >= kFormatCount) return 0;
+  const uint32_t colour = sample_count < 2 ? kColourSingle : kColourMulti;
+  const uint32_t usage = depth_stencil_view != 0 ? uint32_t{kDepthStencil} : colour;
+  return (kTables.of_format[format] & kTables.of_chip[row][usage]) != 0;
+}
+
+// The first call, and every call on an unknown chip. Apart, so that all others need no stack.
+[[gnu::cold, gnu::noinline]] uint32_t answer_without_chip(uint32_t format, uint32_t sample_count,
+                                                          int32_t depth_stencil_view) {
+  const uint32_t row = identified_row();
+  if (row < kRowFirstChip) {
+    KORVEL_LOG("isFormatSampleableByGpu", "Unknown Family ID %u", kChipRows[row].family_id);
+    return 0;
+  }
+  return is_sampleable(row, format, sample_count, depth_stencil_view);
+}
 
 }  // namespace
 }  // namespace korvel
 
 uint32_t isFormatSampleableByGpu(int32_t format, uint32_t sample_count,
                                  int32_t depth_stencil_view) {
-  const uint32_t row = korvel::identified_row();
-  if (row < korvel::kRowFirstChip) [[unlikely]] {
-    KORVEL_LOG("isFormatSampleableByGpu", "Unknown Family ID %u", korvel::kChipRows[row].family_id);
-    return 0;
-  }
+  // Negative numbers become large ones, which no list names.
   const auto id = static_cast<uint32_t>(format);
-  if (id >= korvel::kFormatCount) return 0;
-  const uint32_t colour = sample_count < 2 ? korvel::kColourSingle : korvel::kColourMulti;
-  const uint32_t usage = depth_stencil_view != 0 ? uint32_t{korvel::kDepthStencil} : colour;
-  return (korvel::kListsOfFormat[id] & korvel::kListsOfChip[row][usage]) != 0;
+  const uint32_t row = korvel::known_row();
+  if (row < korvel::kRowFirstChip) [[unlikely]] {
+    return korvel::answer_without_chip(id, sample_count, depth_stencil_view);
+  }
+  return korvel::is_sampleable(row, id, sample_count, depth_stencil_view);
 }

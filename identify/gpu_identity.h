@@ -19,17 +19,23 @@ struct GpuIdentity {
   std::atomic<uint32_t> row{kRowNotIdentified};  // leaves this value exactly when chip_id does
 };
 
-extern constinit GpuIdentity gpu_identity;
+// Hidden at its declaration too, so that it is one load away and not two.
+[[gnu::visibility("hidden")]] extern constinit GpuIdentity gpu_identity;
 
 // Asks the services library for the chip id and finds its row. Returns the row's number;
 // kRowNotIdentified when the services library could not be opened, so that the next call asks
 // again.
-uint32_t identify_gpu();
+[[gnu::cold]] uint32_t identify_gpu();
+
+// The number of the chip's row as far as it is known; kRowNotIdentified before the first need.
+inline uint32_t known_row() {
+  return gpu_identity.row.load(std::memory_order_relaxed);
+}
 
 // The guard at the top of every GPU-dependent entry: the number of the chip's row, identified on
 // first need.
 inline uint32_t identified_row() {
-  const uint32_t row = gpu_identity.row.load(std::memory_order_relaxed);
+  const uint32_t row = known_row();
   return row != kRowNotIdentified ? row : identify_gpu();
 }
 

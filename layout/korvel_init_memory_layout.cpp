@@ -11,7 +11,7 @@
 namespace korvel {
 namespace {
 
-constexpr char kName[] = "korvel_init_memory_layout";
+constexpr const char* kName = "korvel_init_memory_layout";
 
 constexpr MetadataHeader kHeader = {
     .magic = KORVEL_HEADER_MAGIC,
@@ -66,19 +66,11 @@ uint32_t korvel_init_memory_layout(void* blob, int32_t width, int32_t height, in
 
   // Depth/stencil formats have passed the check as tiled ones: the mode asked for is the mode laid
   // out.
-  const korvel::Surface surface = {
-      .chip = chip,
-      .format_id = format,
-      .format = korvel::format_traits(format),
-      .depth = depth,
-      .samples = samples,
-      .tiling_mode = tiling_mode,
-      .flags = flags,
-      .planes = planes,
-  };
+  const korvel::Surface surface = korvel::describe_surface(
+      chip, format, korvel::kFormatTraits[format], depth, samples, tiling_mode, flags, planes);
   auto& metadata = *static_cast<LayoutMetadata*>(blob);
   metadata.header = korvel::kHeader;
   korvel::write_identity(surface, metadata.layout);
-  korvel::lay_out_single_level_surface(surface, {width, height}, metadata.layout);
+  korvel::lay_out_single_level_surface(surface, {width, height}, 1, metadata.layout);
   return KORVEL_SUCCESS;
 }

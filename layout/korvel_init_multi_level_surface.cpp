@@ -6,19 +6,11 @@
 void korvel_init_multi_level_surface(MemoryLayout* record, uint32_t width, uint32_t height,
                                      int32_t depth, uint32_t format, uint32_t samples,
                                      uint32_t tiling_mode, uint64_t flags, uint32_t planes) {
-  constexpr char kName[] = "korvel_init_multi_level_surface";
+  constexpr const char* kName = "korvel_init_multi_level_surface";
   const korvel::ChipRow& chip = korvel::identified_chip();
   if (!korvel::levels_fit(kName, record->levels) || !korvel::planes_fit(kName, planes)) return;
-  const korvel::Surface surface = {
-      .chip = chip,
-      .format_id = format,
-      .format = korvel::format_traits(format),
-      .depth = depth,
-      .samples = samples,
-      .tiling_mode = tiling_mode,
-      .flags = flags,
-      .planes = planes,
-  };
+  const korvel::Surface surface = korvel::describe_surface(
+      chip, format, korvel::format_traits(format), depth, samples, tiling_mode, flags, planes);
   korvel::lay_out_multi_level_surface(
       surface, {static_cast<int32_t>(width), static_cast<int32_t>(height)}, *record);
 }

@@ -6,18 +6,10 @@
 void korvel_init_single_level_surface(MemoryLayout* record, int32_t width, int32_t height,
                                       int32_t depth, uint32_t format, uint32_t samples,
                                       uint32_t tiling_mode, uint64_t flags, uint32_t planes) {
-  constexpr char kName[] = "korvel_init_single_level_surface";
+  constexpr const char* kName = "korvel_init_single_level_surface";
   const korvel::ChipRow& chip = korvel::identified_chip();
   if (!korvel::levels_fit(kName, record->levels) || !korvel::planes_fit(kName, planes)) return;
-  const korvel::Surface surface = {
-      .chip = chip,
-      .format_id = format,
-      .format = korvel::format_traits(format),
-      .depth = depth,
-      .samples = samples,
-      .tiling_mode = tiling_mode,
-      .flags = flags,
-      .planes = planes,
-  };
-  korvel::lay_out_single_level_surface(surface, {width, height}, *record);
+  const korvel::Surface surface = korvel::describe_surface(
+      chip, format, korvel::format_traits(format), depth, samples, tiling_mode, flags, planes);
+  korvel::lay_out_single_level_surface(surface, {width, height}, record->levels, *record);
 }

@@ -42,7 +42,7 @@ void size_flag_buffer(const Surface& surface, LevelExtent base, uint32_t l, uint
 
 // Sizes of one plane of one level; where it lies comes later.
 void size_plane(const Surface& surface, LevelExtent level, uint32_t p, PlaneLayout& plane) {
-  const uint32_t element = element_size(surface);
+  const uint32_t element = surface.element_size;
   const Extent image = fdm_extent(surface.chip, level.width, level.height,
                                   plane_request(surface, p, kNeverPadded, element));
   const uint32_t pitch = element * image.width;
@@ -50,11 +50,10 @@ void size_plane(const Surface& surface, LevelExtent level, uint32_t p, PlaneLayo
   plane.image_width = image.width;
   plane.image_height = image.height;
   plane.image_pitch = pitch;
-  plane.image_size = round_up(pitch * image.height, mode_alignment(surface));
+  plane.image_size = round_up(pitch * image.height, surface.mode_alignment);
 }
 
 void size_levels(const Surface& surface, LevelExtent base, MemoryLayout& record) {
-  const bool flag_buffers = has_flag_buffers(surface);
   for (uint32_t l = 0; l < record.levels; ++l) {
     LevelLayout& level = record.level[l];
     const LevelExtent elements = level_elements(surface, base, l);
@@ -64,8 +63,8 @@ void size_levels(const Surface& surface, LevelExtent base, MemoryLayout& record)
       level.tiled = surface.tiling_mode;
       level.planes = surface.planes;
       size_plane(surface, elements, p, plane);
-      plane.flag_valid = flag_buffers ? 1 : 0;
-      if (flag_buffers) size_flag_buffer(surface, base, l, p, plane);
+      plane.flag_valid = surface.flag_buffers ? 1 : 0;
+      if (surface.flag_buffers) size_flag_buffer(surface, base, l, p, plane);
     }
   }
 }
@@ -88,7 +87,7 @@ uint64_t place_flag_area(const Surface& surface, MemoryLayout& record) {
 // Puts one plane's levels one after another from `start` on; with several planes each flag buffer
 // goes in front of its image. Returns the bytes of one slice, which is the whole chain.
 uint64_t place_chain(const Surface& surface, uint32_t p, uint64_t start, MemoryLayout& record) {
-  const bool own_flag_buffers = surface.planes >= 2 && has_flag_buffers(surface);
+  const bool own_flag_buffers = surface.planes >= 2 && surface.flag_buffers;
   uint64_t offset = 0;
   for (uint32_t l = 0; l < record.levels; ++l) {
     LevelLayout& level = record.level[l];
@@ -118,7 +117,7 @@ void lay_out_multi_level_surface(const Surface& surface, LevelExtent size, Memor
   size_levels(surface, base, record);
 
   uint64_t end = 0;  // bytes of all slices so far
-  if (is_tiled(surface) && surface.planes == 1) {
+  if (surface.tiling_mode == KORVEL_TILING_TILED && surface.planes == 1) {
     end = times_depth(surface, place_flag_area(surface, record));
   }
   for (uint32_t p = 0; p < surface.planes; ++p) {

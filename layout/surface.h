@@ -1,17 +1,16 @@
-// A surface to be laid out: the caller's description with what every plane and level of it shares.
+// A surface to be laid out: the caller's description, and what follows from it for every plane and
+// level.
 #pragma once
 
 #include <cstdint>
 
 #include "align/alignment_request.h"
 #include "align/extra_padding.h"
-#include "formats/compressed_extent.h"
 #include "formats/format_traits.h"
 #include "formats/sample_tile_dims.h"
 #include "formats/ubwc_formats.h"
 #include "identify/chip_row.h"
 #include "include/korvel_utils.h"
-#include "platform/rounding.h"
 
 namespace korvel {
 
@@ -26,35 +25,37 @@ struct Surface {
   int32_t depth;  // slices; sizes are multiplied by its 64-bit sign extension
   uint32_t samples;
   uint32_t tiling_mode;
-  uint64_t flags;
   uint32_t planes;
+
+  uint32_t element_size;    // bytes of an element, all samples
+  uint32_t mode_alignment;  // bytes; what images of the tiling mode are rounded up to
+  Extent extra_padding;     // elements and rows
+  bool flag_buffers;        // asked for, and the chip compresses the format
+  bool extra;               // the extra buffer was asked for
+  bool extended;            // together with the extra padding
 };
 
-constexpr bool has_flag(const Surface& surface, uint64_t flag) {
-  return (surface.flags & flag) != 0;
-}
-
-constexpr bool is_extended(const Surface& surface) {
-  return has_flag(surface, LAYOUT_FLAG_EXTRA) && has_flag(surface, LAYOUT_FLAG_EXTENDED);
-}
-
-constexpr bool is_tiled(const Surface& surface) {
-  return surface.tiling_mode == KORVEL_TILING_TILED;
-}
-
-constexpr bool has_flag_buffers(const Surface& surface) {
-  return has_flag(surface, LAYOUT_FLAG_UBWC) && ubwc_supported(surface.chip, surface.format_id);
-}
-
-// Bytes; what the images of the tiling mode are rounded up to.
-constexpr uint32_t mode_alignment(const Surface& surface) {
-  const ChipProperties& chip = surface.chip.properties;
-  return is_tiled(surface) ? chip.tiled_alignment : chip.linear_alignment;
-}
-
-// Bytes of an element, all samples.
-constexpr uint32_t element_size(const Surface& surface) {
-  return surface.format.bytes * surface.samples;
+constexpr Surface describe_surface(const ChipRow& chip, FormatId format_id,
+                                   const FormatTraits& format, int32_t depth, uint32_t samples,
+                                   uint32_t tiling_mode, uint64_t flags, uint32_t planes) {
+  constexpr uint64_t kExtendedFlags = LAYOUT_FLAG_EXTRA | LAYOUT_FLAG_EXTENDED;
+  const bool extended = (flags & kExtendedFlags) == kExtendedFlags;
+  return {
+      .chip = chip,
+      .format_id = format_id,
+      .format = format,
+      .depth = depth,
+      .samples = samples,
+      .tiling_mode = tiling_mode,
+      .planes = planes,
+      .element_size = format.bytes * samples,
+      .mode_alignment = tiling_mode == KORVEL_TILING_TILED ? chip.properties.tiled_alignment
+                                                           : chip.properties.linear_alignment,
+      .extra_padding = extra_padding(chip, format_id, extended ? 1 : 0),
+      .flag_buffers = (flags & LAYOUT_FLAG_UBWC) != 0 && ubwc_supported(chip, format_id),
+      .extra = (flags & LAYOUT_FLAG_EXTRA) != 0,
+      .extended = extended,
+  };
 }
 
 constexpr uint64_t times_depth(const Surface& surface, uint64_t bytes) {
@@ -68,16 +69,17 @@ constexpr SampleTile flag_tile(const Surface& surface, uint32_t plane) {
 
 constexpr AlignmentRequest plane_request(const Surface& surface, uint32_t plane,
                                          int32_t min_padded_row_bytes, uint32_t divisor) {
+  const bool tiled = surface.tiling_mode == KORVEL_TILING_TILED;
   return {
       .format_id = surface.format_id,
       .format = surface.format,
       .plane = plane,
       .samples = surface.samples,
       .tiling_mode = surface.tiling_mode,
-      .selector = is_tiled(surface) ? kSelectorTiled : kSelectorLinear,
+      .selector = tiled ? kSelectorTiled : kSelectorLinear,
       .min_padded_row_bytes = min_padded_row_bytes,
       .divisor = divisor,
-      .extra = extra_padding(surface.chip, surface.format_id, is_extended(surface) ? 1 : 0),
+      .extra = surface.extra_padding,
   };
 }
 

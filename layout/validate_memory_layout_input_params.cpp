@@ -10,7 +10,7 @@ namespace korvel {
 uint32_t validate_memory_layout_input_params(int32_t width, int32_t height, int32_t depth,
                                              uint32_t format, uint32_t samples,
                                              uint32_t tiling_mode) {
-  constexpr char kName[] = "validate_memory_layout_input_params";
+  constexpr const char* kName = "validate_memory_layout_input_params";
   if (width <= 0 || height <= 0 || depth <= 0) {
     KORVEL_LOG(kName, "Invalid width, height, or depth: W = %d, H = %d, D = %d", width, height,
                depth);

@@ -1,0 +1,18 @@
+// The time of each case, by Google Benchmark.
+
+#include <benchmark/benchmark.h>
+
+#include "bench/cases.h"
+
+int main(int argc, char** argv) {
+  bench::prepare();
+  for (const bench::Case& c : bench::cases()) {
+    benchmark::RegisterBenchmark(c.name, [run = c.run](benchmark::State& state) {
+      for (auto _ : state) run();
+    });
+  }
+  benchmark::Initialize(&argc, argv);
+  if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 2;
+  benchmark::RunSpecifiedBenchmarks();
+  return 0;
+}
