@@ -20,6 +20,7 @@ struct GpuIdentity {
 };
 
 // Hidden at its declaration too, so that it is one load away and not two.
+// NOLINTNEXTLINE(bugprone-dynamic-static-initializers): constinit says it is not
 [[gnu::visibility("hidden")]] extern constinit GpuIdentity gpu_identity;
 
 // Asks the services library for the chip id and finds its row. Returns the row's number;

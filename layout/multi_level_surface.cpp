@@ -37,7 +37,7 @@ void size_flag_buffer(const Surface& surface, LevelExtent base, uint32_t l, uint
   const uint32_t pitch = flag_extent(surface, base.width, tile.width, l);
   const uint32_t rows = flag_extent(surface, base.height, tile.height, l);
   plane.flag_pitch = pitch;
-  plane.flag_size = rows * pitch;
+  plane.flag_size = uint32_t{rows * pitch};
 }
 
 // Sizes of one plane of one level; where it lies comes later.

@@ -1,0 +1,40 @@
+# Sourced by the other scripts: installs the Debian packages that a step needs and does not find.
+
+build_packages=(g++ cmake ninja-build libcli11-dev libfmt-dev nlohmann-json3-dev)
+test_packages=(clang libclang-rt-14-dev clang-format clang-tidy libgtest-dev libgmock-dev
+               libbenchmark-dev binutils)
+bench_packages=(libbenchmark-dev valgrind)
+
+install_packages() {
+  local missing=() package
+  for package in "$@"; do
+    dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q '^install ok installed$' ||
+      missing+=("$package")
+  done
+  [ ${#missing[@]} -eq 0 ] && return
+  local as_root=()
+  [ "$(id -u)" -eq 0 ] || as_root=(sudo)
+  echo "installing: ${missing[*]}" >&2
+  local log
+  log=$(mktemp)
+  if ! { "${as_root[@]}" apt-get update &&
+         "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive \
+           apt-get install -y --no-install-recommends "${missing[@]}"; } >"$log" 2>&1; then
+    cat "$log" >&2
+    echo "could not install: ${missing[*]}" >&2
+    exit 1
+  fi
+  rm -f "$log"
+}
+
+# Runs a command, and shows what it said only when it fails.
+quietly() {
+  local log
+  log=$(mktemp)
+  if ! "$@" >"$log" 2>&1; then
+    cat "$log" >&2
+    rm -f "$log"
+    exit 1
+  fi
+  rm -f "$log"
+}
