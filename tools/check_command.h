@@ -1,0 +1,18 @@
+// `check`: has the library validate a stored record.
+#pragma once
+
+#include <optional>
+#include <string>
+
+namespace tool {
+
+struct CheckOptions {
+  std::string file;
+  std::string chip;
+  std::optional<std::string> kind;
+};
+
+// Returns the program's exit code. Throws BadInput.
+int check(const CheckOptions& options);
+
+}  // namespace tool

@@ -1,0 +1,15 @@
+// A laid-out blob as text for people.
+#pragma once
+
+#include <string>
+
+#include "korvel_utils.h"
+#include "tools/simulated_chip.h"
+#include "tools/surface_request.h"
+
+namespace tool {
+
+std::string layout_text(const SimulatedChip& chip, const SurfaceRequest& request,
+                        const LayoutMetadata& blob);
+
+}  // namespace tool

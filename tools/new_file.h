@@ -1,0 +1,14 @@
+// Files that the program writes.
+#pragma once
+
+#include <cstddef>
+#include <span>
+#include <string>
+
+namespace tool {
+
+// Writes a whole file or none: what was there before survives a failure. An existing file is
+// replaced only when `replace` says so. Throws BadInput.
+void write_file(const std::string& path, std::span<const std::byte> bytes, bool replace);
+
+}  // namespace tool

@@ -1,0 +1,15 @@
+// Reports to the user on standard error, a line each.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace tool {
+
+void print_error(std::string_view reason);
+void print_warning(std::string_view text);
+
+// The user's own text, fit to stand inside such a line: in quotes, long ones cut.
+std::string in_quotes(std::string_view text);
+
+}  // namespace tool
