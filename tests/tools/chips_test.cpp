@@ -1,0 +1,79 @@
+// The chip rows as JSON and as a table.
+#include <gtest/gtest.h>
+
+#include <iomanip>
+#include <set>
+#include <sstream>
+
+#include "identify/hardware_data.h"
+#include "tests/harness/chips.h"
+#include "tests/tools/run_tool.h"
+
+namespace tool_test {
+namespace {
+
+using nlohmann::json;
+
+std::set<std::string> keys_of(const json& object) {
+  std::set<std::string> keys;
+  for (const auto& item : object.items()) keys.insert(item.key());
+  return keys;
+}
+
+const std::set<std::string> kNumbers = {"chip_id",           "family_id", "model_code", "rev_id",
+                                        "max_surface_pitch", "padding_f", "padding_g"};
+const std::set<std::string> kBooleans = {"supported",  "ubwc_never", "ubwc_depth_excluded",
+                                         "ubwc_yuv_a", "ubwc_yuv_b", "ubwc_yuv16",
+                                         "yuv16_ext",  "p016",       "family5_sample_excluded"};
+const std::set<std::string> kColumns = {
+    "base_alignment",       "linear_alignment",      "aux_alignment",    "small_alignment",
+    "pixel_alignment",      "tiled_alignment",       "min_level_extent", "level_offset_alignment",
+    "level_size_alignment", "wide_enough_for_tiling"};
+
+TEST(Chips, JsonHasExactlyTheseKeys) {
+  const json chips = json_of("chips");
+  ASSERT_EQ(chips.size(), std::size(korvel::kChipData));
+  std::set<std::string> expected = {"columns"};
+  expected.insert(kNumbers.begin(), kNumbers.end());
+  expected.insert(kBooleans.begin(), kBooleans.end());
+  for (const json& chip : chips) {
+    EXPECT_EQ(keys_of(chip), expected);
+    EXPECT_EQ(keys_of(chip.at("columns")), kColumns);
+    for (const std::string& key : kNumbers) EXPECT_TRUE(chip.at(key).is_number_unsigned()) << key;
+    for (const std::string& key : kBooleans) EXPECT_TRUE(chip.at(key).is_boolean()) << key;
+    for (const json& column : chip.at("columns")) EXPECT_TRUE(column.is_boolean());
+  }
+}
+
+TEST(Chips, JsonHoldsTheRows) {
+  const json chips = json_of("chips");
+  for (std::size_t i = 0; i < chips.size(); ++i) {
+    const korvel::ChipData& row = korvel::kChipData[i];
+    const json& chip = chips.at(i);
+    EXPECT_EQ(chip.at("chip_id"), row.chip_id);
+    EXPECT_EQ(chip.at("rev_id"), row.rev_id);
+    EXPECT_EQ(chip.at("supported"), row.supported);
+    EXPECT_EQ(chip.at("columns").at("aux_alignment"), row.columns.aux_alignment);
+    EXPECT_EQ(chip.at("columns").at("wide_enough_for_tiling"), row.columns.wide_enough_for_tiling);
+    EXPECT_EQ(chip.at("ubwc_yuv16"), row.ubwc.yuv16);
+    EXPECT_EQ(chip.at("max_surface_pitch"), harness::model_of(row).max_surface_pitch);
+    EXPECT_EQ(chip.at("padding_g"), harness::model_of(row).padding_g);
+    EXPECT_EQ(chip.at("p016"), harness::model_of(row).p016);
+  }
+}
+
+TEST(Chips, TableNamesEveryChipAndLetter) {
+  const Outcome run = run_tool("chips");
+  EXPECT_EQ(run.exit_code, 0);
+  for (const korvel::ChipData& chip : korvel::kChipData) {
+    std::ostringstream id;
+    id << "\n0x" << std::uppercase << std::hex << std::setfill('0') << std::setw(8) << chip.chip_id;
+    EXPECT_NE(run.out.find(id.str()), std::string::npos) << id.str();
+  }
+  for (const std::string& column : kColumns) {
+    EXPECT_NE(run.out.find(column), std::string::npos) << column;
+  }
+}
+
+}  // namespace
+}  // namespace tool_test

@@ -1,0 +1,133 @@
+// Stored records field by field.
+#include <gtest/gtest.h>
+
+#include <initializer_list>
+#include <random>
+
+#include "tests/tools/stored_records.h"
+
+namespace tool_test {
+namespace {
+
+Outcome dump(const std::string& path, const std::string& more = "") {
+  return run_tool("dump " + path + " " + more);
+}
+
+void expect_parts(const std::string& text, const std::vector<std::string>& parts) {
+  for (const std::string& part : parts) {
+    EXPECT_NE(text.find(part), std::string::npos) << part << " in\n" << text.substr(0, 4000);
+  }
+}
+
+TEST(Dump, Blob) {
+  const ScratchFolder folder;
+  const Outcome run = dump(folder.file("blob", bytes_of(stored_blob(folder))));
+  EXPECT_EQ(run.exit_code, 0);
+  EXPECT_EQ(run.err, "");
+  expect_parts(
+      run.out,
+      {"0x0000  DE CA FA 00              u32     magic               0x00FACADE\n",
+       "0x0010  18 00 00 00              u32     record_offset       0x18 = 24 bytes\n",
+       "0x001C  88 15 00 00              u32     size                5512 bytes  layout",
+       "0x0020  52 5A 00 00", "driver signature 4, driver version 1, layout version 3\n",
+       "0x004C  1C 00 00 00              u32     format              28  R8G8B8A8_UNORM\n",
+       "0x0064  01 00 00 00              u32     tiled               1  tiled\n",
+       "0x0078  00 10 00 00 00 00 00 00  u64     image_offset        0x1000 = 4096 bytes\n",
+       "levels 1 to 14 not in use", "planes 1 to 2 not in use", "no low-resolution depth buffer"});
+}
+
+TEST(Dump, SurfaceRecord) {
+  const ScratchFolder folder;
+  const Outcome run = dump(folder.file("surface", bytes_of(stored_surface())));
+  EXPECT_EQ(run.exit_code, 0);
+  expect_parts(run.out, {"guid                0x1122334455667788\n",
+                         "total_size          21684 bytes = 5300 of record + 16384 of surface\n",
+                         "actual_width        64 elements\n", "signature           0xDE5CDA7A\n",
+                         "0x14B0  7A DA 5C DE"});
+}
+
+// One line an address, no address twice, none left out.
+TEST(Dump, AllTellsEveryByteOnce) {
+  const ScratchFolder folder;
+  for (const std::string& path : {folder.file("blob", bytes_of(stored_blob(folder))),
+                                  folder.file("surface", bytes_of(stored_surface()))}) {
+    const Outcome run = dump(path, "--all");
+    std::istringstream lines(run.out);
+    std::size_t next = 0;
+    for (std::string line; std::getline(lines, line);) {
+      if (!line.starts_with("0x")) continue;
+      EXPECT_EQ(std::stoul(line.substr(2, 4), nullptr, 16), next) << line;
+      const std::string bytes = line.substr(8, 23);
+      for (std::size_t i = 0; i < bytes.size() && bytes[i] != ' '; i += 3) ++next;
+    }
+    EXPECT_EQ(next, file_content(path).size());
+  }
+}
+
+TEST(Dump, CountsOutOfRange) {
+  const ScratchFolder folder;
+  LayoutMetadata blob = stored_blob(folder);
+  blob.layout.levels = 0xFFFFFFFF;
+  blob.layout.level[0].planes = 4;
+  blob.layout.level[0].tiled = 2;
+  blob.layout.format = 722;
+  blob.layout.alignment = 24;
+  const Outcome run = dump(folder.file("blob", bytes_of(blob)));
+  EXPECT_EQ(run.exit_code, 0);
+  expect_parts(run.out, {"4294967295  invalid: 1 to 15", "4  invalid: 1 to 3",
+                         "2  invalid: 1 tiled, 0 linear", "722  invalid: no such format",
+                         "24 bytes  invalid: no power of two", "level 14", "level 0, plane 2"});
+  EXPECT_EQ(run.out.find("level 15"), std::string::npos);
+  EXPECT_EQ(run.out.find("plane 3"), std::string::npos);
+}
+
+TEST(Dump, RecordOffsetOutsideTheFile) {
+  const ScratchFolder folder;
+  LayoutMetadata blob = stored_blob(folder);
+  blob.header.record_offset = 0xFFFFFFFF;
+  const Outcome run = dump(folder.file("blob", bytes_of(blob)));
+  EXPECT_EQ(run.exit_code, 0);
+  expect_parts(run.out, {"record_offset is invalid", "what stands at 0x18", "28  R8G8B8A8_UNORM"});
+}
+
+TEST(Dump, FilesThatFitNoRecord) {
+  const ScratchFolder folder;
+  const std::string blob(bytes_of(stored_blob(folder)));
+  for (const std::size_t size :
+       std::initializer_list<std::size_t>{0, 3, 24, 5299, 5301, 5471, 5535}) {
+    reason_of_refusal(dump(folder.file("file", blob.substr(0, size))));
+  }
+  reason_of_refusal(dump(folder.file("file", blob + "x")));
+  reason_of_refusal(dump(folder.path("missing")));
+  reason_of_refusal(dump("/dev/zero"));
+}
+
+TEST(Dump, OlderRecordsEndEarlier) {
+  const ScratchFolder folder;
+  MemoryLayout record = stored_blob(folder).layout;
+  record.size = KORVEL_LAYOUT_BYTES_VERSION_1;
+  const Outcome run = dump(folder.file("record", bytes_of(record).substr(0, 5472)));
+  EXPECT_EQ(run.exit_code, 0);
+  expect_parts(run.out, {"5472 bytes  layout version 1"});
+  EXPECT_EQ(run.out.find("extra_valid"), std::string::npos);
+}
+
+TEST(Dump, AnyBytesAtAll) {
+  const ScratchFolder folder;
+  // Every run takes the same bytes.
+  std::mt19937 random(1);  // NOLINT(cert-msc32-c,cert-msc51-cpp)
+  for (const std::size_t size : std::initializer_list<std::size_t>{5300, 5472, 5504, 5512, 5536}) {
+    for (int round = 0; round < 4; ++round) {
+      std::string content(size, '\0');
+      for (char& byte : content) byte = static_cast<char>(round == 0 ? 0xFF : random());
+      const std::string path = folder.file("file", content);
+      EXPECT_EQ(dump(path).exit_code, 0) << size;
+      EXPECT_EQ(dump(path, "--all").exit_code, 0) << size;
+      const int checked = run_tool("check " + path + " --chip 0x43010000").exit_code;
+      EXPECT_TRUE(checked == 1 || checked == 2) << size;
+    }
+  }
+}
+
+}  // namespace
+}  // namespace tool_test

@@ -1,0 +1,230 @@
+// Layouts worked out by hand from the alignment rules, as the program shows them.
+#include <gtest/gtest.h>
+
+#include "tests/harness/chips.h"
+#include "tests/tools/run_tool.h"
+
+namespace tool_test {
+namespace {
+
+using nlohmann::json;
+
+std::string show_on(uint32_t chip_id, const std::string& arguments) {
+  return "show --chip " + hex(chip_id) + " " + arguments;
+}
+
+std::string show_on_family(uint32_t family_id, const std::string& arguments) {
+  return show_on(harness::full_chip(family_id).chip_id, arguments);
+}
+
+// Words of a plane, under the names of the record's fields.
+void expect_words(const json& plane, const json& expected) {
+  for (const auto& [name, value] : expected.items()) EXPECT_EQ(plane.at(name), value) << name;
+}
+
+// Tiles of 64 x 16: 30 x 68 of them, 7680 x 1088 bytes. Sample tiles of 16 x 4: 120 a row, rounded
+// to 128; 272 rows; 34816 bytes, rounded to 4096.
+TEST(Show, TiledWithFlagBuffer) {
+  const json shown = json_of(show_on_family(6, "--format r8g8b8a8_unorm --size 1920x1080 --ubwc"));
+  const json& layout = shown.at("layout");
+  EXPECT_EQ(layout.at("levels"), 1);
+  EXPECT_EQ(layout.at("alignment"), 4096);
+  expect_words(layout.at("level").at(0), {{"slices", 1}, {"tiled", 1}, {"size", 8392704}});
+  expect_words(layout.at("level").at(0).at("plane").at(0), {{"image_offset", 36864},
+                                                            {"image_size", 8355840},
+                                                            {"image_pitch", 7680},
+                                                            {"image_slice_pitch", 8392704},
+                                                            {"image_element_size", 4},
+                                                            {"image_width", 1920},
+                                                            {"image_height", 1088},
+                                                            {"flag_valid", 1},
+                                                            {"flag_offset", 0},
+                                                            {"flag_size", 36864},
+                                                            {"flag_pitch", 128},
+                                                            {"flag_slice_pitch", 8392704}});
+  EXPECT_EQ(shown.at("gpu_buffer_size"), 8392704);
+  EXPECT_EQ(layout.at("total_size"), 8392704 + 5512);
+}
+
+// Family 5 steps linear widths by 64 elements: 128 x 4 bytes, just short of the padding threshold.
+// 512 x 50 bytes take 7 x 4096.
+TEST(Show, LinearOnFamily5) {
+  const json shown = json_of(show_on_family(5, "--format 28 --size 100x50x3 --linear"));
+  const json& level = shown.at("layout").at("level").at(0);
+  expect_words(level, {{"slices", 3}, {"tiled", 0}, {"size", 3 * 28672}, {"planes", 1}});
+  expect_words(level.at("plane").at(0), {{"image_offset", 0},
+                                         {"image_size", 28672},
+                                         {"image_pitch", 512},
+                                         {"image_slice_pitch", 28672},
+                                         {"image_width", 128},
+                                         {"image_height", 50},
+                                         {"flag_valid", 0},
+                                         {"flag_offset", nullptr}});
+  EXPECT_EQ(shown.at("layout").at("alignment"), 64);
+  EXPECT_EQ(shown.at("gpu_buffer_size"), 3 * 28672);
+}
+
+// Luma in tiles of 128 x 32, chroma in tiles of 64 x 32: both 1280 x 736. Without --planes the
+// format's own two.
+TEST(Show, TwoPlanes) {
+  const json shown = json_of(show_on_family(7, "--format nv12 --size 1280x720"));
+  const json& planes = shown.at("layout").at("level").at(0).at("plane");
+  ASSERT_EQ(planes.size(), 2U);
+  expect_words(planes.at(0), {{"image_offset", 0}, {"image_size", 942080}, {"image_pitch", 1280}});
+  expect_words(planes.at(1),
+               {{"image_offset", 942080}, {"image_size", 942080}, {"image_height", 736}});
+  EXPECT_EQ(shown.at("gpu_buffer_size"), 2 * 942080);
+}
+
+TEST(Show, PlanesAsAsked) {
+  const json one = json_of(show_on_family(7, "--format nv12 --size 1280x720 --planes 1"));
+  EXPECT_EQ(one.at("layout").at("level").at(0).at("plane").size(), 1U);
+  const json none = json_of(show_on_family(7, "--format nv12 --size 1280x720 --planes 0"));
+  EXPECT_EQ(none.at("layout").at("level").at(0).at("plane").size(), 0U);
+  EXPECT_EQ(none.at("gpu_buffer_size"), 0);
+}
+
+// 25 x 25 blocks: 64 a row, 32 rows of 8-byte blocks in tiles of 32 x 16.
+TEST(Show, BlockCompressed) {
+  const json shown = json_of(show_on_family(6, "--format bc1_unorm --size 100x100"));
+  expect_words(shown.at("layout").at("level").at(0).at("plane").at(0), {{"image_element_size", 8},
+                                                                        {"image_width", 64},
+                                                                        {"image_height", 32},
+                                                                        {"image_pitch", 512},
+                                                                        {"image_size", 16384}});
+}
+
+// Elements of 4 x 4 bytes in tiles of 16 x 16.
+TEST(Show, Multisampled) {
+  const json shown = json_of(show_on_family(6, "--format 28 --size 20x20 --samples 4"));
+  expect_words(shown.at("layout").at("level").at(0).at("plane").at(0), {{"image_element_size", 16},
+                                                                        {"image_width", 32},
+                                                                        {"image_height", 32},
+                                                                        {"image_pitch", 512}});
+}
+
+// 256, 128 and 64 texels a side are whole tiles: 262144, 65536 and 16384 bytes in a row, twice.
+TEST(Show, MipChain) {
+  const json shown = json_of(show_on_family(6, "--format 28 --size 256x256x2 --levels 3"));
+  const json& levels = shown.at("layout").at("level");
+  ASSERT_EQ(levels.size(), 3U);
+  const uint64_t offsets[] = {0, 262144, 327680};
+  const uint64_t sizes[] = {262144, 65536, 16384};
+  for (std::size_t l = 0; l < 3; ++l) {
+    const json& plane = levels.at(l).at("plane").at(0);
+    EXPECT_EQ(plane.at("image_offset"), offsets[l]) << l;
+    EXPECT_EQ(plane.at("image_size"), sizes[l]) << l;
+    EXPECT_EQ(plane.at("image_slice_pitch"), 344064) << l;
+    EXPECT_EQ(levels.at(l).at("size"), 2 * sizes[l]) << l;
+  }
+  EXPECT_EQ(shown.at("gpu_buffer_size"), 2 * 344064);
+}
+
+// Every level's flag buffer is 64 x 64 bytes; the three stand in front of the images.
+TEST(Show, MipChainWithFlagBuffers) {
+  const json shown = json_of(show_on_family(6, "--format 28 --size 256x256 --levels 3 --ubwc"));
+  const json& levels = shown.at("layout").at("level");
+  const uint64_t images[] = {12288, 12288 + 262144, 12288 + 327680};
+  for (std::size_t l = 0; l < 3; ++l) {
+    expect_words(levels.at(l).at("plane").at(0), {{"flag_offset", l * 4096},
+                                                  {"flag_size", 4096},
+                                                  {"flag_pitch", 64},
+                                                  {"image_offset", images[l]}});
+  }
+  EXPECT_EQ(shown.at("gpu_buffer_size"), 12288 + 344064);
+}
+
+TEST(Show, ChainOfOneLevelAndOfFifteen) {
+  EXPECT_EQ(json_of(show_on_family(7, "--format 28 --size 64x64 --levels 1"))
+                .at("layout")
+                .at("level")
+                .size(),
+            1U);
+  EXPECT_EQ(json_of(show_on_family(7, "--format 28 --size 64x64 --levels 15 --linear"))
+                .at("layout")
+                .at("level")
+                .size(),
+            15U);
+}
+
+TEST(Show, ExtraBuffer) {
+  const json shown = json_of(show_on_family(6, "--format 28 --size 64x16x6 --extra"));
+  expect_words(shown.at("layout"), {{"extra_valid", 1},
+                                    {"extra_offset", 6 * 4096},
+                                    {"extra_size", 6 * 8224},
+                                    {"extra_slice_pitch", 8224},
+                                    {"extended", 0}});
+  // 24576 + 49344 bytes take 19 x 4096.
+  EXPECT_EQ(shown.at("gpu_buffer_size"), 19 * 4096);
+}
+
+// 16 elements and 16 rows a padding unit, in front of the alignment.
+TEST(Show, ExtraPadding) {
+  const auto& chip = harness::chip_where("of one padding unit", [](const auto& candidate) {
+    return candidate.family_id == 6 && candidate.supported &&
+           harness::in_every_column(candidate.columns) &&
+           harness::model_of(candidate).padding_g == 1;
+  });
+  const json shown = json_of(show_on(chip.chip_id, "--format 28 --size 64x16 --extra --extended"));
+  expect_words(shown.at("layout").at("level").at(0).at("plane").at(0),
+               {{"image_width", 128}, {"image_height", 32}});
+  EXPECT_EQ(shown.at("layout").at("extended"), 1);
+}
+
+TEST(Show, FormatsByNameInAnyCase) {
+  for (const char* name : {"28", "0x1c", "r8g8b8a8_unorm", "R8G8B8A8_UNORM",
+                           "DXGI_FORMAT_R8G8B8A8_UNORM", "dxgi_format_r8g8b8a8_unorm"}) {
+    EXPECT_EQ(json_of("show --size 1x1 --format " + std::string(name)).at("request").at("format"),
+              28)
+        << name;
+  }
+  EXPECT_EQ(json_of("show --size 1x1 --format astc_12x12_unorm_srgb").at("request").at("format"),
+            187);
+  EXPECT_EQ(json_of("show --size 1x1 --format 501").at("request").at("format_name"), nullptr);
+}
+
+TEST(Show, HeaderWords) {
+  const json shown = json_of("show --format 28 --size 64x64");
+  EXPECT_EQ(shown.at("chip").at("chip_id"), 0x43010000);
+  EXPECT_EQ(shown.at("header"), json({{"magic", 0x00FACADE},
+                                      {"header_version", 1},
+                                      {"blob_size", 5536},
+                                      {"record_kind", 3},
+                                      {"record_offset", 24},
+                                      {"record_size", 5512}}));
+  EXPECT_EQ(shown.at("layout").at("driver_uuid"), "04000000-0100-0000-0300-000000000000");
+}
+
+TEST(Show, TextHasUnitsAndHexadecimalOffsets) {
+  const Outcome run =
+      run_tool(show_on_family(6, "--format r8g8b8a8_unorm --size 1920x1080 --ubwc"));
+  EXPECT_EQ(run.exit_code, 0);
+  EXPECT_EQ(run.err, "");
+  for (const char* part : {"R8G8B8A8_UNORM (28), 1920 x 1080 texels", "bytes", "elements", "0x9000",
+                           "8355840", "8392704 bytes (0x801000)", "magic 0x00FACADE"}) {
+    EXPECT_NE(run.out.find(part), std::string::npos) << part << " in\n" << run.out;
+  }
+}
+
+// The library goes on with defaults and says so.
+TEST(Show, ChipWithoutARow) {
+  const Outcome run = run_tool(show_on(harness::kUnknownChip, "--format 28 --size 10x10"));
+  EXPECT_EQ(run.exit_code, 0);
+  EXPECT_NE(run.out.find("unknown"), std::string::npos);
+  EXPECT_NE(run.err.find("warning: Unknown HXL chip ID 305419896\n"), std::string::npos) << run.err;
+  EXPECT_NE(run.err.find("warning: Unknown Chip ID 305419896\n"), std::string::npos) << run.err;
+  EXPECT_EQ(count_lines(run.err), 2U) << run.err;
+  EXPECT_EQ(run_tool("show --chip 0xFFFFFFFF --format 28 --size 10x10 --ubwc").exit_code, 0);
+  EXPECT_EQ(run_tool("show --chip 0 --format nv12 --size 10x10 --levels 4").exit_code, 0);
+}
+
+TEST(Show, LargestSizes) {
+  EXPECT_EQ(run_tool("show --format 28 --size 2147483647x2147483647x2147483647").exit_code, 0);
+  EXPECT_EQ(run_tool("show --format bc7_unorm --size 2147483647x2147483647 --levels 15 --linear")
+                .exit_code,
+            0);
+  EXPECT_EQ(run_tool("show --format 28 --size 2147483647x1 --ubwc --levels 15").exit_code, 0);
+}
+
+}  // namespace
+}  // namespace tool_test
