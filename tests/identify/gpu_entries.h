@@ -1,0 +1,168 @@
+// Every export that depends on the GPU, as a call that any chip can answer without a fault.
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "tests/harness/gpu.h"
+
+namespace identify_test {
+
+struct GpuEntry {
+  const char* name;
+  void (*call)(const harness::Library& library);
+  // What the call reports on a chip without a row, beyond the identification: under each of these
+  // names the chip's id, or else the family.
+  std::vector<const char*> chip_reporters;
+  bool reports_family = false;
+};
+
+inline constexpr uint32_t kRgba8 = 28;
+inline constexpr uint32_t kBc1 = 71;
+
+namespace calls {
+
+inline void get_gpu_pixel_alignment(const harness::Library& library) {
+  library.get_gpu_pixel_alignment();
+}
+
+inline void get_slice_pitch_alignment(const harness::Library& library) {
+  library.get_slice_pitch_alignment(1);
+}
+
+inline void isFormatRenderableByGpu(const harness::Library& library) {
+  library.isFormatRenderableByGpu(kRgba8, 0);
+}
+
+inline void isFormatSampleableByGpu(const harness::Library& library) {
+  library.isFormatSampleableByGpu(kRgba8, 1, 0);
+}
+
+inline void isUBWCSupportedByGpu(const harness::Library& library) {
+  library.isUBWCSupportedByGpu(kRgba8);
+}
+
+inline void compute_compressedfmt_aligned_width_and_height(const harness::Library& library) {
+  uint32_t width;
+  uint32_t height;
+  uint32_t bpp;
+  library.compute_compressedfmt_aligned_width_and_height(100, 30, kBc1, 0, 0, 0, &width, &height,
+                                                         &bpp);
+}
+
+inline void compute_aligned_width_and_height(const harness::Library& library) {
+  uint32_t width;
+  uint32_t height;
+  library.compute_aligned_width_and_height(100, 30, 0, 0, 0, 0, &width, &height);
+}
+
+inline void compute_surface_padding(const harness::Library& library) {
+  library.compute_surface_padding(100, 0, 1, 0, 0);
+}
+
+inline void compute_fmt_aligned_width_and_height(const harness::Library& library) {
+  uint32_t width;
+  uint32_t height;
+  library.compute_fmt_aligned_width_and_height(100, 30, 0, kRgba8, 1, 1, 1, 512, &width, &height);
+}
+
+inline void compute_fmt_minimal_aligned_width_and_height(const harness::Library& library) {
+  uint32_t width;
+  uint32_t height;
+  library.compute_fmt_minimal_aligned_width_and_height(100, 30, 0, kRgba8, 1, 1, 1, 1, 512, 4, 0,
+                                                       &width, &height);
+}
+
+inline void compute_fmt_aligned_width_and_height_in_bytes(const harness::Library& library) {
+  uint32_t tiling_mode = 1;
+  const AlignInBytesParams params = {100, 30, 0, kRgba8, 1, 1, 512, &tiling_mode};
+  uint32_t aligned_row_bytes;
+  uint32_t minimal_row_bytes;
+  uint32_t aligned_height;
+  const AlignInBytesResult result = {&aligned_row_bytes, &minimal_row_bytes, &aligned_height};
+  library.compute_fmt_aligned_width_and_height_in_bytes(&params, &result);
+}
+
+inline void compute_fmt_aligned_width_and_height_fdm(const harness::Library& library) {
+  uint32_t width;
+  uint32_t height;
+  library.compute_fmt_aligned_width_and_height_fdm(100, 30, 0, kRgba8, 1, 1, 1, 512, 1, 0, &width,
+                                                   &height);
+}
+
+inline void korvel_init_memory_layout(const harness::Library& library) {
+  LayoutMetadata blob{};
+  library.korvel_init_memory_layout(&blob, 100, 30, 1, kRgba8, 1, 1, 0, 1);
+}
+
+inline void korvel_init_single_level_surface(const harness::Library& library) {
+  MemoryLayout record{};
+  record.levels = 1;
+  library.korvel_init_single_level_surface(&record, 100, 30, 1, kRgba8, 1, 1, 0, 1);
+}
+
+inline void korvel_init_multi_level_surface(const harness::Library& library) {
+  MemoryLayout record{};
+  record.levels = 1;
+  library.korvel_init_multi_level_surface(&record, 100, 30, 1, kRgba8, 1, 1, 0, 1);
+}
+
+}  // namespace calls
+
+inline const std::vector<GpuEntry>& gpu_entries() {
+  constexpr const char* kFdm = "compute_fmt_aligned_width_and_height_fdm";
+  constexpr const char* kFull = "compute_fmt_aligned_width_and_height";
+  constexpr const char* kMinimal = "compute_fmt_minimal_aligned_width_and_height";
+  constexpr const char* kPlain = "compute_aligned_width_and_height";
+#define CALL(name) #name, calls::name
+  static const std::vector<GpuEntry> entries = {
+      {CALL(get_gpu_pixel_alignment), {}},
+      {CALL(get_slice_pitch_alignment), {}},
+      {CALL(isFormatRenderableByGpu), {"isFormatRenderableByGpu"}, true},
+      {CALL(isFormatSampleableByGpu), {"isFormatSampleableByGpu"}, true},
+      {CALL(isUBWCSupportedByGpu), {}},
+      {CALL(compute_compressedfmt_aligned_width_and_height), {}},
+      {CALL(compute_aligned_width_and_height), {kPlain}},
+      {CALL(compute_surface_padding), {kPlain}},
+      {CALL(compute_fmt_aligned_width_and_height), {kFull}},
+      {CALL(compute_fmt_minimal_aligned_width_and_height), {kMinimal}},
+      {CALL(compute_fmt_aligned_width_and_height_in_bytes), {kMinimal, kFull}},
+      {CALL(compute_fmt_aligned_width_and_height_fdm), {kFdm}},
+      {CALL(korvel_init_memory_layout), {kFdm}},
+      {CALL(korvel_init_single_level_surface), {kFdm}},
+      {CALL(korvel_init_multi_level_surface), {kFdm}},
+  };
+#undef CALL
+  return entries;
+}
+
+// What the entry reports on a chip without a row once the chip is identified. `chip_id` is printed
+// as a signed number.
+inline std::vector<harness::Message> own_messages(const GpuEntry& entry, uint32_t chip_id) {
+  const std::string text = entry.reports_family
+                               ? "Unknown Family ID 0"
+                               : "Unknown Chip ID " + std::to_string(static_cast<int32_t>(chip_id));
+  std::vector<harness::Message> messages;
+  for (const char* reporter : entry.chip_reporters) {
+    messages.push_back(harness::message(reporter, text));
+  }
+  return messages;
+}
+
+inline std::vector<harness::Message> joined(std::vector<harness::Message> first,
+                                            const std::vector<harness::Message>& second) {
+  first.insert(first.end(), second.begin(), second.end());
+  return first;
+}
+
+// Calls to the services in every outcome of an identification.
+inline const std::vector<std::string> kWholeQuery = {
+    "hxl_library_open(0)", "hxl_device_open(1, 0)", "hxl_device_getinfo(device)",
+    "hxl_device_close(device)", "hxl_library_close()"};
+inline const std::vector<std::string> kQueryWithoutDevice = {
+    "hxl_library_open(0)", "hxl_device_open(1, 0)", "hxl_library_close()"};
+inline const std::vector<std::string> kQueryWithoutLibrary = {"hxl_library_open(0)"};
+
+}  // namespace identify_test

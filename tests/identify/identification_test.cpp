@@ -1,0 +1,342 @@
+// How the library learns its GPU: what it asks the services, what it reports, what it remembers.
+
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <cstring>
+#include <iterator>
+
+#include "tests/harness/chips.h"
+#include "tests/harness/gpu.h"
+#include "tests/identify/gpu_entries.h"
+
+namespace identify_test {
+namespace {
+
+using harness::Gpu;
+using harness::message;
+using harness::Message;
+using testing::ElementsAreArray;
+using testing::IsEmpty;
+
+constexpr uint32_t kNotIdentified = 0xFFFFFFFF;
+
+uint32_t known_chip() {
+  return harness::full_chip(6).chip_id;
+}
+
+std::vector<Message> library_open_messages() {
+  return joined({message("ReadGpuID_from_khxl", "Failed to open HXL Library!!!!")},
+                harness::unknown_chip_messages(kNotIdentified));
+}
+
+void expect_silent_and_known(Gpu& gpu, const GpuEntry& entry) {
+  SCOPED_TRACE(entry.name);
+  entry.call(gpu.library());
+  EXPECT_THAT(gpu.take_calls(), IsEmpty());
+  EXPECT_THAT(gpu.take_messages(), IsEmpty());
+}
+
+// The chip has no row and that has been reported: only the entry's own messages remain.
+void expect_known_as_unknown(Gpu& gpu, const GpuEntry& entry, uint32_t chip_id) {
+  SCOPED_TRACE(entry.name);
+  entry.call(gpu.library());
+  EXPECT_THAT(gpu.take_calls(), IsEmpty());
+  EXPECT_THAT(gpu.take_messages(), ElementsAreArray(own_messages(entry, chip_id)));
+}
+
+// One call of an entry that has to identify the GPU and finds no row for the chip.
+void expect_unknown_chip_found(Gpu& gpu, const GpuEntry& entry, uint32_t chip_id,
+                               const std::vector<std::string>& calls) {
+  SCOPED_TRACE(entry.name);
+  entry.call(gpu.library());
+  EXPECT_THAT(gpu.take_calls(), ElementsAreArray(calls));
+  EXPECT_THAT(gpu.take_messages(), ElementsAreArray(joined(harness::unknown_chip_messages(chip_id),
+                                                           own_messages(entry, chip_id))));
+}
+
+void expect_library_missing(Gpu& gpu, const GpuEntry& entry) {
+  SCOPED_TRACE(entry.name);
+  entry.call(gpu.library());
+  EXPECT_THAT(gpu.take_calls(), ElementsAreArray(kQueryWithoutLibrary));
+  EXPECT_THAT(gpu.take_messages(), ElementsAreArray(joined(library_open_messages(),
+                                                           own_messages(entry, kNotIdentified))));
+}
+
+void expect_identified_now(Gpu& gpu, const GpuEntry& entry) {
+  SCOPED_TRACE(entry.name);
+  entry.call(gpu.library());
+  EXPECT_THAT(gpu.take_calls(), ElementsAreArray(kWholeQuery));
+  EXPECT_THAT(gpu.take_messages(), IsEmpty());
+}
+
+TEST(Identification, LoadingTheLibraryAsksNothing) {
+  Gpu gpu(known_chip());
+  EXPECT_THAT(gpu.take_calls(), IsEmpty());
+  EXPECT_THAT(gpu.take_messages(), IsEmpty());
+}
+
+TEST(Identification, FirstCallOfEveryEntryQueriesTheDeviceOnce) {
+  for (const GpuEntry& first : gpu_entries()) {
+    Gpu gpu(known_chip());
+    expect_identified_now(gpu, first);
+  }
+}
+
+TEST(Identification, NoEntryQueriesTheDeviceAgain) {
+  for (const GpuEntry& first : gpu_entries()) {
+    SCOPED_TRACE(first.name);
+    Gpu gpu(known_chip());
+    expect_identified_now(gpu, first);
+    // Neither a failing library nor another chip is noticed any more.
+    hxl_sim_set_failures(HXL_SIM_FAIL_LIBRARY_OPEN);
+    hxl_sim_set_chip(harness::kUnknownChip);
+    for (const GpuEntry& later : gpu_entries()) expect_silent_and_known(gpu, later);
+  }
+}
+
+TEST(Identification, FailedLibraryOpenIsRetriedOnEveryCall) {
+  for (const GpuEntry& first : gpu_entries()) {
+    SCOPED_TRACE(first.name);
+    Gpu gpu(known_chip(), HXL_SIM_FAIL_LIBRARY_OPEN);
+    expect_library_missing(gpu, first);
+    expect_library_missing(gpu, first);
+    for (const GpuEntry& later : gpu_entries()) expect_library_missing(gpu, later);
+  }
+}
+
+TEST(Identification, SucceedsOnceTheLibraryOpens) {
+  for (const GpuEntry& first : gpu_entries()) {
+    SCOPED_TRACE(first.name);
+    Gpu gpu(known_chip(), HXL_SIM_FAIL_LIBRARY_OPEN);
+    expect_library_missing(gpu, first);
+    hxl_sim_set_failures(0);
+    expect_identified_now(gpu, first);
+    hxl_sim_set_failures(HXL_SIM_FAIL_LIBRARY_OPEN);
+    expect_silent_and_known(gpu, first);
+  }
+}
+
+TEST(Identification, CallsWithoutTheLibraryGetTheValuesOfAnUnknownChip) {
+  Gpu gpu(known_chip(), HXL_SIM_FAIL_LIBRARY_OPEN);
+  EXPECT_EQ(gpu->get_gpu_pixel_alignment(), 1U);
+  EXPECT_EQ(gpu->get_slice_pitch_alignment(1), 0U);
+  EXPECT_EQ(gpu->isFormatRenderableByGpu(kRgba8, 0), 0U);
+  EXPECT_EQ(gpu->isFormatSampleableByGpu(kRgba8, 1, 0), 0U);
+  EXPECT_EQ(gpu->isUBWCSupportedByGpu(kRgba8), 0U);
+  EXPECT_EQ(gpu->compute_surface_padding(100, 0, 1, 0, 0), 100U);
+  hxl_sim_set_failures(0);
+  EXPECT_EQ(gpu->get_gpu_pixel_alignment(), 64U);
+  EXPECT_EQ(gpu->get_slice_pitch_alignment(1), 4096U);
+  EXPECT_EQ(gpu->isFormatRenderableByGpu(kRgba8, 0), 1U);
+  EXPECT_EQ(gpu->isFormatSampleableByGpu(kRgba8, 1, 0), 1U);
+  EXPECT_EQ(gpu->isUBWCSupportedByGpu(kRgba8), 1U);
+  EXPECT_EQ(gpu->compute_surface_padding(100, 0, 1, 0, 0), 0U);
+}
+
+TEST(Identification, DeviceThatDoesNotOpenIsNotClosedAndNeverAskedAgain) {
+  for (const GpuEntry& first : gpu_entries()) {
+    SCOPED_TRACE(first.name);
+    Gpu gpu(known_chip(), HXL_SIM_FAIL_DEVICE_OPEN);
+    expect_unknown_chip_found(gpu, first, 0, kQueryWithoutDevice);
+    hxl_sim_set_failures(0);
+    for (const GpuEntry& later : gpu_entries()) expect_known_as_unknown(gpu, later, 0);
+  }
+}
+
+TEST(Identification, DeviceThatDoesNotAnswerIsClosedAndNeverAskedAgain) {
+  for (const GpuEntry& first : gpu_entries()) {
+    SCOPED_TRACE(first.name);
+    Gpu gpu(known_chip(), HXL_SIM_FAIL_GETINFO);
+    expect_unknown_chip_found(gpu, first, 0, kWholeQuery);
+    hxl_sim_set_failures(0);
+    for (const GpuEntry& later : gpu_entries()) expect_known_as_unknown(gpu, later, 0);
+  }
+}
+
+TEST(Identification, FailedQueryGivesTheDefaultsForGood) {
+  for (const uint32_t failure : {HXL_SIM_FAIL_DEVICE_OPEN, HXL_SIM_FAIL_GETINFO}) {
+    Gpu gpu(known_chip(), failure);
+    EXPECT_EQ(gpu->get_gpu_pixel_alignment(), 1U);
+    hxl_sim_set_failures(0);
+    EXPECT_EQ(gpu->get_gpu_pixel_alignment(), 1U);
+    EXPECT_EQ(gpu->get_slice_pitch_alignment(1), 0U);
+    EXPECT_EQ(gpu->isUBWCSupportedByGpu(kRgba8), 0U);
+  }
+}
+
+TEST(Identification, UnknownChipIsReportedOnce) {
+  for (const GpuEntry& first : gpu_entries()) {
+    SCOPED_TRACE(first.name);
+    Gpu gpu(harness::kUnknownChip);
+    expect_unknown_chip_found(gpu, first, harness::kUnknownChip, kWholeQuery);
+    for (const GpuEntry& later : gpu_entries()) {
+      expect_known_as_unknown(gpu, later, harness::kUnknownChip);
+    }
+  }
+}
+
+TEST(Identification, ChipIdsArePrintedUnsignedByTheIdentificationAndSignedByTheEntries) {
+  for (const uint32_t chip_id : {0x80000000U, 0xFFFFFFFEU, 0x7FFFFFFFU, 1U}) {
+    for (const GpuEntry& first : gpu_entries()) {
+      Gpu gpu(chip_id);
+      expect_unknown_chip_found(gpu, first, chip_id, kWholeQuery);
+    }
+  }
+  Gpu gpu(0x80000000U);
+  gpu->compute_surface_padding(1, 0, 0, 0, 0);
+  const std::vector<Message> messages = gpu.take_messages();
+  ASSERT_EQ(messages.size(), 4U);
+  EXPECT_EQ(messages[0].text, "Unknown HXL chip ID 2147483648");
+  EXPECT_EQ(messages[0].format, "Unknown HXL chip ID %u");
+  EXPECT_EQ(messages[3].text, "Unknown Chip ID -2147483648");
+  EXPECT_EQ(messages[3].format, "Unknown Chip ID %d");
+}
+
+TEST(Identification, DeviceThatReportsChipZeroIsNotAskedAgain) {
+  Gpu gpu(0);
+  expect_unknown_chip_found(gpu, gpu_entries().front(), 0, kWholeQuery);
+  hxl_sim_set_chip(known_chip());
+  for (const GpuEntry& later : gpu_entries()) expect_known_as_unknown(gpu, later, 0);
+}
+
+// That number means "not identified yet", whoever says it.
+TEST(Identification, DeviceThatReportsTheUnidentifiedChipIdIsAskedAgain) {
+  for (const GpuEntry& entry : gpu_entries()) {
+    SCOPED_TRACE(entry.name);
+    Gpu gpu(kNotIdentified);
+    expect_unknown_chip_found(gpu, entry, kNotIdentified, kWholeQuery);
+    expect_unknown_chip_found(gpu, entry, kNotIdentified, kWholeQuery);
+    hxl_sim_set_chip(known_chip());
+    expect_identified_now(gpu, entry);
+    expect_silent_and_known(gpu, entry);
+  }
+}
+
+TEST(Identification, FailuresInSequenceEndWithTheFirstAnswer) {
+  const GpuEntry& entry = gpu_entries().front();
+  Gpu gpu(known_chip(), HXL_SIM_FAIL_LIBRARY_OPEN);
+  expect_library_missing(gpu, entry);
+  hxl_sim_set_failures(0);
+  hxl_sim_set_chip(kNotIdentified);
+  expect_unknown_chip_found(gpu, entry, kNotIdentified, kWholeQuery);
+  hxl_sim_set_failures(HXL_SIM_FAIL_GETINFO);
+  expect_unknown_chip_found(gpu, entry, 0, kWholeQuery);
+  hxl_sim_set_failures(0);
+  hxl_sim_set_chip(known_chip());
+  expect_known_as_unknown(gpu, entry, 0);
+}
+
+struct DeviceWords {
+  uint32_t word[4];
+};
+
+// What a layout says about the device that it was made for.
+DeviceWords device_of_layout(Gpu& gpu) {
+  LayoutMetadata blob{};
+  EXPECT_EQ(gpu->korvel_init_memory_layout(&blob, 64, 64, 1, kRgba8, 1, 1, 0, 1), 0U);
+  DeviceWords device;
+  std::memcpy(device.word, blob.layout.device_uuid, sizeof device.word);
+  return device;
+}
+
+TEST(Identification, EveryChipHasItsFamilyModelAndRevision) {
+  for (const harness::ChipData& chip : korvel::kChipData) {
+    SCOPED_TRACE(chip.chip_id);
+    Gpu gpu(chip.chip_id);
+    const DeviceWords device = device_of_layout(gpu);
+    EXPECT_EQ(device.word[1], chip.family_id);
+    EXPECT_EQ(device.word[2], chip.model_code);
+    EXPECT_EQ(device.word[3], chip.rev_id);
+    EXPECT_THAT(gpu.take_calls(), ElementsAreArray(kWholeQuery));
+  }
+}
+
+bool has_row(uint32_t chip_id) {
+  return std::any_of(std::begin(korvel::kChipData), std::end(korvel::kChipData),
+                     [chip_id](const harness::ChipData& chip) { return chip.chip_id == chip_id; });
+}
+
+TEST(Identification, IdsBesideTheKnownOnesAreUnknown) {
+  for (const harness::ChipData& chip : korvel::kChipData) {
+    for (const uint32_t beside : {chip.chip_id - 1, chip.chip_id + 1, chip.chip_id - 16,
+                                  chip.chip_id + 16, chip.chip_id | 0x80000000U}) {
+      if (has_row(beside)) continue;
+      SCOPED_TRACE(beside);
+      Gpu gpu(beside);
+      const DeviceWords device = device_of_layout(gpu);
+      EXPECT_EQ(device.word[1], 0U);
+      EXPECT_EQ(device.word[2], 0U);
+      EXPECT_EQ(device.word[3], 0U);
+      EXPECT_EQ(gpu.take_messages().size(), 4U);  // three steps and the alignment entry
+    }
+  }
+}
+
+TEST(Identification, ComesBeforeTheChecksOfTheArguments) {
+  const auto asks = [](const char* what, auto call) {
+    SCOPED_TRACE(what);
+    Gpu gpu(known_chip());
+    uint32_t width;
+    uint32_t height;
+    call(gpu.library(), &width, &height);
+    EXPECT_THAT(gpu.take_calls(), ElementsAreArray(kWholeQuery));
+  };
+  using Lib = harness::Library;
+  asks("negative width", [](const Lib& library, uint32_t* width, uint32_t* height) {
+    library.compute_aligned_width_and_height(-1, 1, 0, 0, 0, 0, width, height);
+  });
+  asks("negative width, full", [](const Lib& library, uint32_t* width, uint32_t* height) {
+    library.compute_fmt_aligned_width_and_height(-1, 1, 0, kRgba8, 1, 1, 1, 512, width, height);
+  });
+  asks("negative width, minimal", [](const Lib& library, uint32_t* width, uint32_t* height) {
+    library.compute_fmt_minimal_aligned_width_and_height(-1, 1, 0, kRgba8, 1, 1, 1, 1, 512, 4, 0,
+                                                         width, height);
+  });
+  asks("negative width, fdm", [](const Lib& library, uint32_t* width, uint32_t* height) {
+    library.compute_fmt_aligned_width_and_height_fdm(-1, 1, 0, kRgba8, 1, 1, 1, 512, 1, 0, width,
+                                                     height);
+  });
+  asks("layout of no width", [](const Lib& library, uint32_t*, uint32_t*) {
+    LayoutMetadata blob{};
+    EXPECT_EQ(library.korvel_init_memory_layout(&blob, 0, 1, 1, kRgba8, 1, 1, 0, 1), 0xFFFFFFFFU);
+  });
+  asks("layout without a blob", [](const Lib& library, uint32_t*, uint32_t*) {
+    EXPECT_EQ(library.korvel_init_memory_layout(nullptr, 1, 1, 1, kRgba8, 1, 1, 0, 1), 0xFFFFFFFFU);
+  });
+  asks("single-level surface of no level", [](const Lib& library, uint32_t*, uint32_t*) {
+    MemoryLayout record{};
+    library.korvel_init_single_level_surface(&record, 64, 64, 1, kRgba8, 1, 1, 0, 1);
+  });
+  asks("mip chain of no plane", [](const Lib& library, uint32_t*, uint32_t*) {
+    MemoryLayout record{};
+    record.levels = 1;
+    library.korvel_init_multi_level_surface(&record, 64, 64, 1, kRgba8, 1, 1, 0, 0);
+  });
+  asks("unknown formats", [](const Lib& library, uint32_t*, uint32_t*) {
+    EXPECT_EQ(library.isFormatRenderableByGpu(-1, 0), 0U);
+    EXPECT_EQ(library.isFormatSampleableByGpu(-1, 0, 0), 0U);
+    EXPECT_EQ(library.isUBWCSupportedByGpu(0xFFFFFFFF), 0U);
+  });
+}
+
+TEST(Identification, EntriesThatDoNotDependOnTheGpuNeverAskForIt) {
+  Gpu gpu(known_chip());
+  uint8_t uuid[16];
+  EXPECT_EQ(gpu->get_device_uuid(uuid, 16, 6, 1, 2), 0);
+  EXPECT_EQ(gpu->get_override_device_uuid(uuid, 16, 6, 1, 2, 3), 0);
+  EXPECT_EQ(gpu->get_driver_uuid(uuid, 16), 0);
+  char text[37];
+  EXPECT_EQ(gpu->uuid_to_str(text, 37, uuid, 16), 0);
+  EXPECT_EQ(gpu->korvel_get_metadata_blob_size(), 5536U);
+  const LayoutMetadata blob{};
+  EXPECT_EQ(gpu->korvel_get_aligned_gpu_buffer_size(&blob), 0U);
+  const MemoryLayout record{};
+  EXPECT_EQ(gpu->validate_resource_memory_layout_metadata(&record, uuid, uuid), 0xFFFFFFFFU);
+  const SurfaceMetadata surface{};
+  EXPECT_EQ(gpu->validate_surface_metadata(&surface, uuid, uuid), 0xFFFFFFFFU);
+  EXPECT_THAT(gpu.take_calls(), IsEmpty());
+}
+
+}  // namespace
+}  // namespace identify_test
