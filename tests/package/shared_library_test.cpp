@@ -1,0 +1,216 @@
+// What the built library offers, what it needs, and what it keeps.
+
+#include <elf.h>
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <iterator>
+#include <string>
+#include <vector>
+
+#include "tests/harness/library.h"
+#include "tests/package/elf_file.h"
+
+namespace package_test {
+namespace {
+
+using testing::AnyOf;
+using testing::Contains;
+using testing::Each;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::StartsWith;
+using testing::UnorderedElementsAreArray;
+
+const ElfFile& library() {
+  static const ElfFile file(harness::library_path());
+  return file;
+}
+
+constexpr bool kSanitized = sizeof(KORVEL_TEST_SANITIZER) > 1;
+
+#define SKIP_WHEN_SANITIZED()                                                              \
+  if (kSanitized) {                                                                        \
+    GTEST_SKIP() << "the sanitizer's runtime adds symbols, data and libraries of its own"; \
+  }
+
+// Optimised builds only: others carry what the compiler would have removed.
+#define SKIP_UNLESS_RELEASE()                                        \
+  if (std::string(KORVEL_TEST_CONFIGURATION) != "Release") {         \
+    GTEST_SKIP() << "holds for the configuration that is delivered"; \
+  }
+
+std::vector<std::string> exported_names() {
+  std::vector<std::string> names;
+  for (const ElfSymbol& symbol : library().dynamic_symbols()) {
+    if (symbol.defined) names.push_back(symbol.name);
+  }
+  return names;
+}
+
+std::vector<std::string> imported_names() {
+  std::vector<std::string> names;
+  for (const ElfSymbol& symbol : library().dynamic_symbols()) {
+    if (!symbol.defined) names.push_back(symbol.name);
+  }
+  return names;
+}
+
+TEST(SharedLibrary, ExportsExactly24Functions) {
+  EXPECT_THAT(exported_names(), UnorderedElementsAreArray({
+                                    "get_device_uuid",
+                                    "get_override_device_uuid",
+                                    "get_driver_uuid",
+                                    "uuid_to_str",
+                                    "isSecureContextSupportedByGpu",
+                                    "get_gpu_pixel_alignment",
+                                    "get_slice_pitch_alignment",
+                                    "isFormatRenderableByGpu",
+                                    "isFormatSampleableByGpu",
+                                    "isUBWCSupportedByGpu",
+                                    "compute_compressedfmt_aligned_width_and_height",
+                                    "compute_aligned_width_and_height",
+                                    "compute_surface_padding",
+                                    "compute_fmt_aligned_width_and_height",
+                                    "compute_fmt_minimal_aligned_width_and_height",
+                                    "compute_fmt_aligned_width_and_height_in_bytes",
+                                    "compute_fmt_aligned_width_and_height_fdm",
+                                    "korvel_get_metadata_blob_size",
+                                    "korvel_get_aligned_gpu_buffer_size",
+                                    "korvel_init_memory_layout",
+                                    "korvel_init_single_level_surface",
+                                    "korvel_init_multi_level_surface",
+                                    "validate_resource_memory_layout_metadata",
+                                    "validate_surface_metadata",
+                                }));
+}
+
+TEST(SharedLibrary, ExportsFunctionsOnlyAndNoneOfThemWeak) {
+  for (const ElfSymbol& symbol : library().dynamic_symbols()) {
+    if (!symbol.defined) continue;
+    EXPECT_TRUE(symbol.function) << symbol.name;
+    EXPECT_FALSE(symbol.weak) << symbol.name;
+  }
+}
+
+TEST(SharedLibrary, NeedsTheServicesLibrary) {
+  EXPECT_THAT(library().dynamic_texts(DT_NEEDED), Contains("libhxluser.so"));
+}
+
+TEST(SharedLibrary, NeedsNothingElseButTheCLibrary) {
+  SKIP_WHEN_SANITIZED();
+  EXPECT_THAT(library().dynamic_texts(DT_NEEDED),
+              Each(AnyOf("libhxluser.so", "libc.so.6", StartsWith("ld-linux"))));
+}
+
+// The services' operations, the C library's memory functions, and what every C library start-up
+// object refers to.
+const std::vector<std::string>& allowed_imports() {
+  static const std::vector<std::string> names = {
+      "hxl_library_open",
+      "hxl_library_close",
+      "hxl_device_open",
+      "hxl_device_close",
+      "hxl_device_getinfo",
+      "hxl_device_getinfo_ext",
+      "os_alog",
+      "os_snprintf",
+      "os_memset",
+      "memcpy",
+      "memmove",
+      "memset",
+      "memcmp",
+      "__stack_chk_fail",
+      "__cxa_finalize",
+      "__gmon_start__",
+      "_ITM_registerTMCloneTable",
+      "_ITM_deregisterTMCloneTable",
+  };
+  return names;
+}
+
+TEST(SharedLibrary, ImportsOnlyTheServicesAndBasicsOfTheCLibrary) {
+  SKIP_WHEN_SANITIZED();
+  for (const std::string& name : imported_names()) {
+    EXPECT_THAT(allowed_imports(), Contains(name));
+  }
+}
+
+TEST(SharedLibrary, ImportsEveryOperationOfTheServicesThatItSpeaksOf) {
+  for (const char* name :
+       {"hxl_library_open", "hxl_library_close", "hxl_device_open", "hxl_device_close",
+        "hxl_device_getinfo", "hxl_device_getinfo_ext", "os_alog", "os_snprintf", "os_memset"}) {
+    EXPECT_THAT(imported_names(), Contains(name));
+  }
+}
+
+bool belongs_to_the_cpp_runtime(const std::string& name) {
+  if (name == "__cxa_finalize") return false;  // the C library's
+  constexpr const char* kStarts[] = {"_Z", "__cxa_", "__gxx_", "_Unwind_", "__dynamic_cast"};
+  return std::any_of(std::begin(kStarts), std::end(kStarts),
+                     [&name](const char* start) { return name.rfind(start, 0) == 0; });
+}
+
+TEST(SharedLibrary, RefersToNothingOfTheCppRuntime) {
+  SKIP_WHEN_SANITIZED();
+  for (const std::string& name : library().relocation_symbols()) {
+    EXPECT_FALSE(belongs_to_the_cpp_runtime(name)) << name;
+  }
+  for (const std::string& name : imported_names()) {
+    EXPECT_FALSE(belongs_to_the_cpp_runtime(name)) << name;
+  }
+}
+
+uint64_t section_size(const std::string& name) {
+  uint64_t size = 0;
+  for (const ElfSection& section : library().sections()) {
+    if (section.name == name) size += section.size;
+  }
+  return size;
+}
+
+// The identity is 8 bytes; the start-up object brings its own handle and flag, up to 24 bytes with
+// padding.
+TEST(SharedLibrary, KeepsNoWritableDataBeyondTheIdentity) {
+  SKIP_WHEN_SANITIZED();
+  SKIP_UNLESS_RELEASE();
+  EXPECT_LE(section_size(".data") + section_size(".bss"), 32U);
+  EXPECT_EQ(section_size(".tdata") + section_size(".tbss"), 0U);
+}
+
+TEST(SharedLibrary, HasNoOtherWritableSections) {
+  SKIP_WHEN_SANITIZED();
+  SKIP_UNLESS_RELEASE();
+  for (const ElfSection& section : library().sections()) {
+    if (!section.writable) continue;
+    // All but the first two are the loader's own, or become read-only once it is done.
+    EXPECT_THAT(section.name, AnyOf(".data", ".bss", ".got", ".got.plt", ".dynamic", ".init_array",
+                                    ".fini_array", ".data.rel.ro"));
+    EXPECT_FALSE(section.holds_code) << section.name;
+  }
+}
+
+// One entry each of the start-up object and none of the library's.
+TEST(SharedLibrary, RunsNothingOfItsOwnAtLoadAndUnload) {
+  SKIP_WHEN_SANITIZED();
+  EXPECT_LE(section_size(".init_array"), sizeof(void*));
+  EXPECT_LE(section_size(".fini_array"), sizeof(void*));
+  EXPECT_EQ(section_size(".ctors") + section_size(".dtors"), 0U);
+}
+
+TEST(SharedLibrary, FindsTheServicesLibraryBesideIt) {
+  EXPECT_THAT(library().dynamic_texts(DT_RUNPATH), ElementsAre("$ORIGIN"));
+  EXPECT_THAT(library().dynamic_texts(DT_RPATH), IsEmpty());
+}
+
+TEST(SharedLibrary, BearsItsPlainName) {
+  EXPECT_THAT(library().dynamic_texts(DT_SONAME), ElementsAre("libkorvel_utils.so"));
+}
+
+TEST(SharedLibrary, IsPositionIndependentWithAStackThatRunsNoCode) {
+  EXPECT_FALSE(library().has_dynamic_entry(DT_TEXTREL));
+  EXPECT_EQ(library().segment_flags(PT_GNU_STACK), uint32_t{PF_R | PF_W});
+}
+
+}  // namespace
+}  // namespace package_test
