@@ -68,7 +68,8 @@ inline constexpr VideoSampleTileRow kVideoSampleTiles[] = {
 inline constexpr auto kVideoSampleTileRow = [] {
   std::array<uint8_t, kFormatCount> row_of{};
   for (std::size_t row = 0; row < std::size(kVideoSampleTiles); ++row) {
-    for_each_id(kVideoSampleTiles[row].ids, [&](FormatId id) { row_of[id] = static_cast<uint8_t>(row); });
+    for_each_id(kVideoSampleTiles[row].ids,
+                [&](FormatId id) { row_of[id] = static_cast<uint8_t>(row); });
   }
   return row_of;
 }();

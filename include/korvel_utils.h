@@ -108,8 +108,7 @@ extern "C" {
 #define KORVEL_BLOB_BYTES 5536             /**< sizeof(LayoutMetadata) */
 #define KORVEL_LAYOUT_BYTES_VERSION_1 5472 /**< MemoryLayout::size of layout version 1 */
 #define KORVEL_LAYOUT_BYTES_VERSION_2 5504 /**< MemoryLayout::size of layout version 2 */
-#define KORVEL_LAYOUT_BYTES_VERSION_3 5512 /**< MemoryLayout::size of layout version 3 (written) \
-                                            */
+#define KORVEL_LAYOUT_BYTES_VERSION_3 5512 /**< MemoryLayout::size of layout version 3, written */
 #define KORVEL_SURFACE_BYTES 5300          /**< SurfaceMetadata::size */
 
 /* ------------------------------------------------------------------------------------------------

@@ -23,7 +23,9 @@ constexpr std::array<const char*, HXL_SIM_OPERATION_COUNT> operation_names{
 
 }  // namespace
 
-bool calls_are_recorded() { return recording.load(std::memory_order_relaxed); }
+bool calls_are_recorded() {
+  return recording.load(std::memory_order_relaxed);
+}
 
 void record_call(const Lock& /*lock*/, hxl_sim_operation operation,
                  std::initializer_list<std::uint64_t> arguments, std::int64_t result) {

@@ -162,7 +162,9 @@ std::uint32_t get_info_ext(const Lock& lock, std::uint32_t device, void* device_
 
 }  // namespace
 
-void clear_library_flags(const Lock& /*lock*/) { library_flags = 0; }
+void clear_library_flags(const Lock& /*lock*/) {
+  library_flags = 0;
+}
 
 }  // namespace simulator
 

@@ -29,7 +29,9 @@ void note_misuse(const Lock& /*lock*/, const char* format, ...) {
   ++misuse_count;
 }
 
-void clear_misuse(const Lock& /*lock*/) { misuse_count = 0; }
+void clear_misuse(const Lock& /*lock*/) {
+  misuse_count = 0;
+}
 
 }  // namespace simulator
 

@@ -22,7 +22,9 @@ void hxl_sim_reset() {
 namespace simulator {
 namespace {
 
-__attribute__((constructor)) void read_environment_at_load() { hxl_sim_reset(); }
+__attribute__((constructor)) void read_environment_at_load() {
+  hxl_sim_reset();
+}
 
 }  // namespace
 }  // namespace simulator

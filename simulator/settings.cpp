@@ -7,7 +7,9 @@ constinit Settings current_settings;
 
 }  // namespace
 
-Settings& settings(const Lock& /*lock*/) { return current_settings; }
+Settings& settings(const Lock& /*lock*/) {
+  return current_settings;
+}
 
 bool made_to_fail(const Lock& lock, std::uint32_t failure) {
   return (settings(lock).failures & failure) != 0;

@@ -35,6 +35,8 @@ void copy_text(char* destination, std::size_t size, std::string_view text) {
   destination[length] = '\0';
 }
 
-const char* text_or_null(const char* text) { return text == nullptr ? "(null)" : text; }
+const char* text_or_null(const char* text) {
+  return text == nullptr ? "(null)" : text;
+}
 
 }  // namespace simulator
