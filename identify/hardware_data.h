@@ -71,11 +71,12 @@ inline constexpr FamilyData kFamilyData[] = {
 
 // Sorted by model code.
 inline constexpr ModelData kModelData[] = {
-    // model_code  max_surface_pitch
-    // |           |       padding_g
-    // |           |       |   yuv16_ext
-    // |           |       |   |  p016
-    // |           |       |   |  |  family5_sample_excluded
+    // model_code
+    // |             max_surface_pitch
+    // |             |    padding_g
+    // |             |    |   yuv16_ext
+    // |             |    |   |  p016
+    // |             |    |   |  |  family5_sample_excluded
     {0x050210,       0,   1,  0, 0, 0},
     {0x050212,       0,   2,  0, 0, 0},
     {0x050214,       0,   4,  0, 0, 0},

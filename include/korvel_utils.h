@@ -449,8 +449,9 @@ KORVEL_API uint32_t KORVEL_CALL compute_surface_padding(int32_t width, uint32_t 
  * @param out_width      receives the aligned width, elements.
  * @param out_height     receives the aligned height, rows of elements.
  *
- * Faults: a tiled plane with elements of 0 bytes on family 5; a linear block format with 0 samples
- * on families 6 and 7.
+ * Faults: a tiled plane with elements of 0 bytes, or 0 samples, on family 5; a linear block format
+ * with 0 samples on families 6 and 7. An element size times samples that wraps to 0 counts as 0
+ * samples.
  */
 KORVEL_API void KORVEL_CALL compute_fmt_aligned_width_and_height(
     int32_t width, int32_t height, uint32_t plane, uint32_t format, uint32_t samples,
@@ -476,7 +477,8 @@ KORVEL_API void KORVEL_CALL compute_fmt_minimal_aligned_width_and_height(
  * GPU. Both alignments at once, in bytes a row. A surface narrower than 16 blocks on a supported
  * chip becomes linear: 0 is stored to the caller's tiling mode. Messages come under the names of
  * the two entries above, which both run in every case; the divisor handed on is the plane's element
- * size, so a linear plane that the format lacks is a division by 0 and faults.
+ * size, so a linear plane that the format lacks is a division by 0 and faults; so does a tiled one
+ * on family 5.
  *
  * @param params  what is asked; only *params->tiling_mode may be written.
  * @param result  three pointers, each written.
@@ -558,7 +560,13 @@ KORVEL_API uint32_t KORVEL_CALL korvel_init_memory_layout(void* blob, int32_t wi
  *
  * Messages: "Invalid plane count %u" for planes above 3 and "Invalid level count %u" for levels
  * above 15; nothing is written then. Those of compute_fmt_aligned_width_and_height_fdm() under its
- * name.
+ * name, also for the width of a block format near 2^31 that no longer fits after rounding.
+ *
+ * Left unwritten: the header words up to `levels` but total_size, and what
+ * korvel_init_memory_layout() leaves.
+ *
+ * Faults: as korvel_init_memory_layout(); with samples other than 1, 2, 4 and 8 also a flag buffer
+ * on families 6 and 7. An element size times samples that wraps to 0 counts as 0 samples.
  */
 KORVEL_API void KORVEL_CALL korvel_init_single_level_surface(MemoryLayout* record, int32_t width,
                                                              int32_t height, int32_t depth,
@@ -576,9 +584,10 @@ KORVEL_API void KORVEL_CALL korvel_init_single_level_surface(MemoryLayout* recor
  * well, also of those that get no flag buffer: zero the record first.
  * @param width, height  texels; the width is rounded up to a multiple of 64 first.
  *
- * Other arguments, messages and what is left unwritten as for korvel_init_single_level_surface();
- * also "Invalid texel width or texel height: W = %d, H = %d" under the name
- * compute_compressedfmt_aligned_width_and_height. With planes 0 the level words stay as they were.
+ * Other arguments, messages and what is left unwritten as for korvel_init_single_level_surface().
+ * With planes 0 the level words stay as they were. A linear surface of one plane gets
+ * flag_valid, flag_size and flag_pitch, but no flag_offset and flag_slice_pitch: only tiled
+ * surfaces have room for flag buffers. The size of a level with several planes is its last plane's.
  *
  * Faults: an element size times samples of 0 on families 6 and 7 in linear mode, and those of
  * korvel_init_single_level_surface().
