@@ -12,12 +12,13 @@
 namespace korvel {
 
 // `chip` is in the supported list; neither size is negative.
-constexpr Extent aligned_extent(const ChipRow& chip, Extent size, const AlignmentRequest& request) {
+[[gnu::always_inline]] constexpr Extent aligned_extent(const ChipRow& chip, Extent size,
+                                                       const AlignmentRequest& request,
+                                                       uint32_t plane) {
   if (chip.family_id == 5) {
-    return {align_width_family5(chip, size.width, request),
-            align_height_family5(size.height, request)};
+    return align_family5(chip, size.width, size.height, stored_copy(request), plane);
   }
-  return align_family67(chip, size, request, request.tiling_mode);
+  return align_family67(chip, size, request, plane, request.tiling_mode);
 }
 
 }  // namespace korvel

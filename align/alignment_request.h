@@ -1,4 +1,4 @@
-// What the alignment rules are asked about one plane of a surface.
+// What the alignment rules are asked about the planes of a surface.
 #pragma once
 
 #include <cstdint>
@@ -17,7 +17,6 @@ struct Extent {
 struct AlignmentRequest {
   FormatId format_id;
   const FormatTraits& format;  // of format_id
-  uint32_t plane;
   uint32_t samples;
   uint32_t tiling_mode;
   uint32_t selector;             // half of the pitch-padding table
@@ -25,6 +24,15 @@ struct AlignmentRequest {
   uint32_t divisor;              // of the linear width's alignment in bytes
   Extent extra;                  // elements and rows added before the alignment
 };
+
+// For a function that is not inlined. A copy made where it is called leaves the original in
+// registers everywhere else.
+constexpr AlignmentRequest stored_copy(const AlignmentRequest& request) {
+  return {request.format_id, request.format,
+          request.samples,   request.tiling_mode,
+          request.selector,  request.min_padded_row_bytes,
+          request.divisor,   {request.extra.width, request.extra.height}};
+}
 
 // A linear surface of the one format whose heights take whole 64 rows, and nothing else.
 constexpr bool takes_64_rows(const AlignmentRequest& request) {
@@ -36,9 +44,13 @@ constexpr bool is_tiled(const AlignmentRequest& request) {
 }
 
 // Bytes of an element, with all its samples when tiled.
-constexpr uint32_t element_bytes(const AlignmentRequest& request) {
-  const uint32_t bytes = plane_bytes(request.format, request.plane);
+constexpr uint32_t element_bytes(const AlignmentRequest& request, uint32_t plane) {
+  const uint32_t bytes = plane_bytes(request.format, plane);
   return is_tiled(request) ? bytes * request.samples : bytes;
+}
+
+constexpr Extent with_extra(Extent size, const AlignmentRequest& request) {
+  return {size.width + request.extra.width, size.height + request.extra.height};
 }
 
 // Linear rows of more bytes than the request's threshold are padded, compared as signed.

@@ -10,7 +10,6 @@ void compute_fmt_aligned_width_and_height(int32_t width, int32_t height, uint32_
   const korvel::AlignmentRequest request = {
       .format_id = format,
       .format = korvel::format_traits(format),
-      .plane = plane,
       .samples = samples,
       .tiling_mode = tiling_mode,
       .selector = selector,
@@ -18,5 +17,6 @@ void compute_fmt_aligned_width_and_height(int32_t width, int32_t height, uint32_
       .divisor = 1,
       .extra = {0, 0},
   };
-  korvel::store_extent(korvel::full_extent(chip, width, height, request), out_width, out_height);
+  korvel::store_extent(korvel::full_extent(chip, width, height, request, plane), out_width,
+                       out_height);
 }

@@ -13,7 +13,6 @@ void compute_fmt_aligned_width_and_height_fdm(int32_t width, int32_t height, uin
   const korvel::AlignmentRequest request = {
       .format_id = format,
       .format = korvel::format_traits(format),
-      .plane = plane,
       .samples = samples,
       .tiling_mode = tiling_mode,
       .selector = selector,
@@ -21,5 +20,6 @@ void compute_fmt_aligned_width_and_height_fdm(int32_t width, int32_t height, uin
       .divisor = divisor,
       .extra = korvel::extra_padding(chip, format, want_extra_padding),
   };
-  korvel::store_extent(korvel::fdm_extent(chip, width, height, request), out_width, out_height);
+  korvel::store_extent(korvel::fdm_extent(chip, width, height, request, plane), out_width,
+                       out_height);
 }

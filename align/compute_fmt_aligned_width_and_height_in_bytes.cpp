@@ -30,7 +30,6 @@ void compute_fmt_aligned_width_and_height_in_bytes(const AlignInBytesParams* par
   korvel::AlignmentRequest request = {
       .format_id = params->format,
       .format = format,
-      .plane = params->plane,
       .samples = params->samples,
       .tiling_mode = tiling_mode,
       .selector = params->selector,
@@ -41,12 +40,13 @@ void compute_fmt_aligned_width_and_height_in_bytes(const AlignInBytesParams* par
   const uint32_t bytes = korvel::is_tiled(request) ? format.substitute_bytes * params->samples
                                                    : format.substitute_bytes;
 
-  const korvel::Extent minimal =
-      korvel::minimal_extent(chip, params->width, params->height, request, tiling_allowed);
+  const korvel::Extent minimal = korvel::minimal_extent(chip, params->width, params->height,
+                                                        request, params->plane, tiling_allowed);
   *result->minimal_row_bytes = bytes * minimal.width;
 
   request.divisor = 1;
-  const korvel::Extent full = korvel::full_extent(chip, params->width, params->height, request);
+  const korvel::Extent full =
+      korvel::full_extent(chip, params->width, params->height, request, params->plane);
   *result->aligned_row_bytes = bytes * full.width;
   *result->aligned_height = full.height;
 }

@@ -13,7 +13,6 @@ void compute_fmt_minimal_aligned_width_and_height(int32_t width, int32_t height,
   const korvel::AlignmentRequest request = {
       .format_id = format,
       .format = korvel::format_traits(format),
-      .plane = plane,
       .samples = samples,
       .tiling_mode = tiling_mode,
       .selector = selector,
@@ -21,6 +20,6 @@ void compute_fmt_minimal_aligned_width_and_height(int32_t width, int32_t height,
       .divisor = divisor,
       .extra = korvel::extra_padding(chip, format, want_extra_padding),
   };
-  korvel::store_extent(korvel::minimal_extent(chip, width, height, request, tiling_allowed),
+  korvel::store_extent(korvel::minimal_extent(chip, width, height, request, plane, tiling_allowed),
                        out_width, out_height);
 }

@@ -25,8 +25,8 @@ inline bool is_negative(int32_t width, int32_t height) {
 
 // Sizes that pass go to the rules, as rules(size); `function` is the name the messages carry.
 template <typename Rules>
-inline Extent checked_extent(const char* function, const ChipRow& chip, int32_t width,
-                             int32_t height, Rules rules) {
+[[gnu::always_inline]] inline Extent checked_extent(const char* function, const ChipRow& chip,
+                                                    int32_t width, int32_t height, Rules rules) {
   if (is_negative(width, height)) [[unlikely]] {
     log_negative_size(function, width, height);
     return kExtentOfNegativeSize;

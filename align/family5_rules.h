@@ -41,8 +41,8 @@ constexpr uint32_t family5_tiled_width(uint32_t width, uint32_t bytes, const For
 }
 
 constexpr uint32_t align_width_family5(const ChipRow& chip, uint32_t width,
-                                       const AlignmentRequest& request) {
-  const uint32_t bytes = element_bytes(request);
+                                       const AlignmentRequest& request, uint32_t plane) {
+  const uint32_t bytes = element_bytes(request, plane);
   if (is_tiled(request)) {
     const uint32_t tiled = family5_tiled_width(width, bytes, request.format);
     return bytes >= 4 ? family5_stepped_width(tiled) : tiled;
@@ -50,13 +50,22 @@ constexpr uint32_t align_width_family5(const ChipRow& chip, uint32_t width,
   return finish_linear_width(chip, request, family5_stepped_width(width), bytes);
 }
 
-constexpr uint32_t align_height_family5(uint32_t height, const AlignmentRequest& request) {
+constexpr uint32_t align_height_family5(uint32_t height, const AlignmentRequest& request,
+                                        uint32_t plane) {
   if (!is_tiled(request)) return takes_64_rows(request) ? round_up(height, 64U) : height;
-  const uint32_t bytes = element_bytes(request);
+  const uint32_t bytes = element_bytes(request, plane);
   const TileVariant variant = tile_variant_family5(request.format);
   if (bytes == 2 && variant == kTileTall) return round_up(height, 32U);
   if (bytes == 1 && variant == kTileWideByte) return round_up(height, 16U);
   return round_up(height, bytes > 1 ? 16U : 32U);
+}
+
+// Apart for the same reason as the linear rules of the other families.
+[[gnu::noinline]] constexpr Extent align_family5(const ChipRow& chip, uint32_t width,
+                                                 uint32_t height, const AlignmentRequest& request,
+                                                 uint32_t plane) {
+  return {align_width_family5(chip, width, request, plane),
+          align_height_family5(height, request, plane)};
 }
 
 // The linear width of the minimal alignment. `tiling_allowed` non-zero: it takes whole tiles.

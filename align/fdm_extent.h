@@ -8,10 +8,13 @@
 
 namespace korvel {
 
-inline Extent fdm_extent(const ChipRow& chip, int32_t width, int32_t height,
-                         const AlignmentRequest& request) {
-  return checked_extent("compute_fmt_aligned_width_and_height_fdm", chip, width, height,
-                        [&](Extent size) { return aligned_extent(chip, size, request); });
+[[gnu::always_inline]] inline Extent fdm_extent(const ChipRow& chip, int32_t width, int32_t height,
+                                                const AlignmentRequest& request, uint32_t plane) {
+  return checked_extent(
+      "compute_fmt_aligned_width_and_height_fdm", chip, width,
+      height, [&](Extent size) __attribute__((always_inline)) {
+        return aligned_extent(chip, size, request, plane);
+      });
 }
 
 }  // namespace korvel

@@ -9,9 +9,9 @@
 namespace korvel {
 
 inline Extent full_extent(const ChipRow& chip, int32_t width, int32_t height,
-                          const AlignmentRequest& request) {
+                          const AlignmentRequest& request, uint32_t plane) {
   return checked_extent("compute_fmt_aligned_width_and_height", chip, width, height,
-                        [&](Extent size) { return aligned_extent(chip, size, request); });
+                        [&](Extent size) { return aligned_extent(chip, size, request, plane); });
 }
 
 }  // namespace korvel

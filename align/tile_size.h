@@ -34,24 +34,22 @@ inline constexpr TileSize kTallTileSize     = { 64, 32};  // 2 bytes
 
 inline constexpr uint32_t kLargestTileBytes = 64;
 
-// Tiles of one variant by element size.
-using TileSizes = std::array<TileSize, kLargestTileBytes + 1>;
+// By element size, then by variant: a row is 16 bytes.
+using TileSizesOfVariants = std::array<TileSize, 4>;
+static_assert(kTileVariants <= std::tuple_size_v<TileSizesOfVariants>);
 
-constexpr TileSizes tile_sizes(TileVariant variant) {
-  TileSizes sizes{};
-  sizes.fill(kOtherTileSize);
-  for (const TileSizeRow& row : kTileSizes) sizes[row.bytes] = row.tile;
-  if (variant == kTileWideByte) sizes[1] = kWideByteTileSize;
-  if (variant == kTileTall) sizes[2] = kTallTileSize;
+inline constexpr auto kTileSizesByBytes = [] {
+  std::array<TileSizesOfVariants, kLargestTileBytes + 1> sizes{};
+  for (TileSizesOfVariants& tiles : sizes) tiles.fill(kOtherTileSize);
+  for (const TileSizeRow& row : kTileSizes) sizes[row.bytes].fill(row.tile);
+  sizes[1][kTileWideByte] = kWideByteTileSize;
+  sizes[2][kTileTall] = kTallTileSize;
   return sizes;
-}
+}();
 
-inline constexpr std::array<TileSizes, kTileVariants> kTileSizesByVariant = {
-    tile_sizes(kTilePlain), tile_sizes(kTileWideByte), tile_sizes(kTileTall)};
-
-// `variant` is the format's TileVariant in the family set.
-constexpr TileSize tile_size(uint32_t bytes, uint32_t variant) {
-  return bytes <= kLargestTileBytes ? kTileSizesByVariant[variant][bytes] : kOtherTileSize;
+// `variant` is the format's in the family set.
+constexpr TileSize tile_size(uint32_t bytes, TileVariant variant) {
+  return bytes <= kLargestTileBytes ? kTileSizesByBytes[bytes][variant] : kOtherTileSize;
 }
 
 }  // namespace korvel

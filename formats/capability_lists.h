@@ -5,6 +5,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 #include <span>
 
 #include "formats/format_ids.h"
@@ -66,37 +67,58 @@ constexpr bool holds(Condition condition, const ChipRow& chip, Usage usage) {
   return false;
 }
 
-// Bit n of a mask stands for lists[n].
-using ListMask = uint16_t;
-inline constexpr std::size_t kMaxLists = 16;
+// Bit n of a mask stands for lists[n]. The sign bit is set for every format, and for a row without
+// a chip: what both masks have in common is then negative, and the predicate has more to do than to
+// look up.
+using ListMask = int32_t;
+inline constexpr std::size_t kMaxLists = 31;
+inline constexpr ListMask kNoChip = std::numeric_limits<ListMask>::min();
 
 constexpr ListMask lists_that_hold(std::span<const CapabilityList> lists, const ChipRow& chip,
                                    Usage usage) {
-  uint32_t mask = 0;
+  ListMask mask = 0;
   for (std::size_t i = 0; i < lists.size(); ++i) {
     const bool yes = is_of(chip, lists[i].families) && holds(lists[i].condition, chip, usage);
-    mask |= uint32_t{yes} << i;
+    mask |= ListMask{yes} << i;
   }
-  return static_cast<ListMask>(mask);
+  return mask;
 }
 
-constexpr std::array<ListMask, kFormatCount> lists_that_name_formats(
-    std::span<const CapabilityList> lists) {
-  std::array<ListMask, kFormatCount> masks{};
+// Whether the caller asks about depth/stencil use: 0 or 1.
+inline constexpr uint32_t kDepthStencilUses = 2;
+
+// Both masks of one predicate, in one array, so that one address serves both: those of the formats,
+// then one for each use of each chip row, as they are for resources of one sample.
+using CapabilityMasks = std::array<ListMask, kFormatCount + kChipRowCount * kDepthStencilUses>;
+
+// Counted back from the row's last mask, that of depth/stencil use: one instruction less.
+constexpr uint32_t chip_mask_index(uint32_t row, int32_t depth_stencil_use) {
+  const uint32_t colour = depth_stencil_use == 0 ? 1 : 0;
+  return row * kDepthStencilUses - colour + kFormatCount + 1;
+}
+
+constexpr CapabilityMasks capability_masks(std::span<const CapabilityList> lists) {
+  CapabilityMasks masks{};
+  for (FormatId id = 0; id < kFormatCount; ++id) masks[id] = kNoChip;
   for (std::size_t i = 0; i < lists.size(); ++i) {
-    for_each_id(lists[i].ids,
-                [&](FormatId id) { masks[id] = static_cast<ListMask>(masks[id] | (1U << i)); });
+    for_each_id(lists[i].ids, [&](FormatId id) { masks[id] |= ListMask{1} << i; });
+  }
+  for (uint32_t row = 0; row < kChipRowCount; ++row) {
+    for (const bool depth_stencil : {false, true}) {
+      masks[chip_mask_index(row, depth_stencil ? 1 : 0)] =
+          row < kRowFirstChip ? kNoChip
+                              : lists_that_hold(lists, kChipRows[row], {depth_stencil, true});
+    }
   }
   return masks;
 }
 
-// Both masks of one predicate. `ChipMasks` has one mask for each usage that the predicate tells
-// apart.
-template <typename ChipMasks>
-struct CapabilityTables {
-  std::array<ListMask, kFormatCount> of_format;
-  std::array<ChipMasks, kChipRowCount> of_chip;
-};
+// The lists that name the format and hold for the chip: positive when there is one, 0 when there is
+// none, negative for a row without a chip. `format` is below kFormatCount.
+constexpr ListMask common_lists(const CapabilityMasks& masks, uint32_t row, uint32_t format,
+                                int32_t depth_stencil_use) {
+  return masks[chip_mask_index(row, depth_stencil_use)] & masks[format];
+}
 
 // Every list is sorted, and no format stands in two lists of one family.
 constexpr bool lists_are_disjoint(std::span<const CapabilityList> lists) {

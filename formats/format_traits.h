@@ -148,6 +148,22 @@ static_assert([] {
   return true;
 }());
 
+// The rules take the blocks of any plane from the format itself.
+static_assert([] {
+  for (const FormatTraits& format : kFormatTraits) {
+    for (const uint32_t plane : format.plane_index) {
+      if (kFormatTraits[plane].block_width != format.block_width) return false;
+      if (kFormatTraits[plane].block_height != format.block_height) return false;
+    }
+  }
+  return true;
+}());
+
+// Elements of more than one texel.
+constexpr bool has_blocks(const FormatTraits& format) {
+  return format.block_width != 1 || format.block_height != 1;
+}
+
 // Any 32-bit value; it is never used as an index unless the table holds it.
 constexpr const FormatTraits& format_traits(FormatId format) {
   if (format < kFormatCount) [[likely]]

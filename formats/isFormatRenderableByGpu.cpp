@@ -34,36 +34,17 @@ constexpr CapabilityList kLists[] = {
 // clang-format on
 static_assert(lists_are_disjoint(kLists));
 
-struct ChipMasks {
-  ListMask colour;
-  ListMask depth_stencil;
-};
+constexpr CapabilityMasks kMasks = capability_masks(kLists);
 
-constexpr CapabilityTables<ChipMasks> kTables = [] {
-  CapabilityTables<ChipMasks> tables{lists_that_name_formats(kLists), {}};
-  for (uint32_t row = 0; row < kChipRowCount; ++row) {
-    tables.of_chip[row].colour = lists_that_hold(kLists, kChipRows[row], {false, false});
-    tables.of_chip[row].depth_stencil = lists_that_hold(kLists, kChipRows[row], {true, false});
-  }
-  return tables;
-}();
-
-uint32_t is_renderable(uint32_t row, uint32_t format, int32_t depth_stencil_use) {
-  if (format >= kFormatCount) return 0;
-  const ChipMasks& chip = kTables.of_chip[row];
-  const ListMask holding = depth_stencil_use != 0 ? chip.depth_stencil : chip.colour;
-  return (kTables.of_format[format] & holding) != 0;
-}
-
-// The first call, and every call on an unknown chip. Apart, so that all others need no stack.
-[[gnu::cold, gnu::noinline]] uint32_t answer_without_chip(uint32_t format,
-                                                          int32_t depth_stencil_use) {
+// The first call, every call on an unknown chip, and formats beyond the table. Apart, so that all
+// others need no stack.
+[[gnu::cold, gnu::noinline]] uint32_t answer_otherwise(uint32_t format, int32_t depth_stencil_use) {
   const uint32_t row = identified_row();
   if (row < kRowFirstChip) {
     KORVEL_LOG("isFormatRenderableByGpu", "Unknown Family ID %u", kChipRows[row].family_id);
     return 0;
   }
-  return is_renderable(row, format, depth_stencil_use);
+  return format < kFormatCount && common_lists(kMasks, row, format, depth_stencil_use) != 0;
 }
 
 }  // namespace
@@ -72,9 +53,13 @@ uint32_t is_renderable(uint32_t row, uint32_t format, int32_t depth_stencil_use)
 uint32_t isFormatRenderableByGpu(int32_t format, int32_t depth_stencil_use) {
   // Negative numbers become large ones, which no list names.
   const auto id = static_cast<uint32_t>(format);
-  const uint32_t row = korvel::known_row();
-  if (row < korvel::kRowFirstChip) [[unlikely]] {
-    return korvel::answer_without_chip(id, depth_stencil_use);
+  if (id >= korvel::kFormatCount) [[unlikely]] {
+    return korvel::answer_otherwise(id, depth_stencil_use);
   }
-  return korvel::is_renderable(row, id, depth_stencil_use);
+  const korvel::ListMask lists =
+      korvel::common_lists(korvel::kMasks, korvel::known_row(), id, depth_stencil_use);
+  if (lists < 0) [[unlikely]] {
+    return korvel::answer_otherwise(id, depth_stencil_use);
+  }
+  return lists != 0;
 }

@@ -41,38 +41,29 @@ constexpr CapabilityList kLists[] = {
 // clang-format on
 static_assert(lists_are_disjoint(kLists));
 
-// By usage; a fourth, unused one makes a chip's masks 8 bytes.
-enum UsageIndex : uint32_t { kColourSingle, kColourMulti, kDepthStencil, kUsages = 4 };
-using ChipMasks = std::array<ListMask, kUsages>;
+constexpr CapabilityMasks kMasks = capability_masks(kLists);
 
-constexpr CapabilityTables<ChipMasks> kTables = [] {
-  CapabilityTables<ChipMasks> tables{lists_that_name_formats(kLists), {}};
-  for (uint32_t row = 0; row < kChipRowCount; ++row) {
-    ChipMasks& chip = tables.of_chip[row];
-    chip[kColourSingle] = lists_that_hold(kLists, kChipRows[row], {false, true});
-    chip[kColourMulti] = lists_that_hold(kLists, kChipRows[row], {false, false});
-    chip[kDepthStencil] = lists_that_hold(kLists, kChipRows[row], {true, false});
+// The lists that hold for resources of one sample only.
+constexpr ListMask kSingleSampledLists = [] {
+  ListMask mask = 0;
+  for (std::size_t i = 0; i < std::size(kLists); ++i) {
+    if (kLists[i].condition == Condition::colour_single_sampled) mask |= ListMask{1} << i;
   }
-  return tables;
+  return mask;
 }();
 
-uint32_t is_sampleable(uint32_t row, uint32_t format, uint32_t sample_count,
-                       int32_t depth_stencil_view) {
-  if (format >= kFormatCount) return 0;
-  const uint32_t colour = sample_count < 2 ? kColourSingle : kColourMulti;
-  const uint32_t usage = depth_stencil_view != 0 ? uint32_t{kDepthStencil} : colour;
-  return (kTables.of_format[format] & kTables.of_chip[row][usage]) != 0;
-}
-
-// The first call, and every call on an unknown chip. Apart, so that all others need no stack.
-[[gnu::cold, gnu::noinline]] uint32_t answer_without_chip(uint32_t format, uint32_t sample_count,
-                                                          int32_t depth_stencil_view) {
+// The first call, every call on an unknown chip, several samples, and formats beyond the table.
+// Apart, so that all others need no stack.
+[[gnu::noinline]] uint32_t answer_otherwise(uint32_t format, uint32_t sample_count,
+                                            int32_t depth_stencil_view) {
   const uint32_t row = identified_row();
   if (row < kRowFirstChip) {
     KORVEL_LOG("isFormatSampleableByGpu", "Unknown Family ID %u", kChipRows[row].family_id);
     return 0;
   }
-  return is_sampleable(row, format, sample_count, depth_stencil_view);
+  if (format >= kFormatCount) return 0;
+  const ListMask lists = common_lists(kMasks, row, format, depth_stencil_view);
+  return (sample_count < 2 ? lists : lists & ~kSingleSampledLists) != 0;
 }
 
 }  // namespace
@@ -82,9 +73,13 @@ uint32_t isFormatSampleableByGpu(int32_t format, uint32_t sample_count,
                                  int32_t depth_stencil_view) {
   // Negative numbers become large ones, which no list names.
   const auto id = static_cast<uint32_t>(format);
-  const uint32_t row = korvel::known_row();
-  if (row < korvel::kRowFirstChip) [[unlikely]] {
-    return korvel::answer_without_chip(id, sample_count, depth_stencil_view);
+  if (id >= korvel::kFormatCount || sample_count > 1) [[unlikely]] {
+    return korvel::answer_otherwise(id, sample_count, depth_stencil_view);
   }
-  return korvel::is_sampleable(row, id, sample_count, depth_stencil_view);
+  const korvel::ListMask lists =
+      korvel::common_lists(korvel::kMasks, korvel::known_row(), id, depth_stencil_view);
+  if (lists < 0) [[unlikely]] {
+    return korvel::answer_otherwise(id, sample_count, depth_stencil_view);
+  }
+  return lists != 0;
 }

@@ -9,6 +9,7 @@
 
 #include "identify/chip_properties.h"
 #include "identify/hardware_data.h"
+#include "identify/uuid.h"
 
 namespace korvel {
 
@@ -33,6 +34,7 @@ constexpr uint8_t ubwc_groups(const ChipUbwc& chip) {
 }
 
 struct alignas(64) ChipRow {
+  UuidWords device_uuid;  // as layouts store it
   uint32_t chip_id;
   uint32_t family_id;   // 5, 6 or 7; 0 for an unknown chip
   uint32_t model_code;  // 0 for an unknown chip
@@ -69,6 +71,7 @@ constexpr const ModelData& model_data(uint32_t model_code) {
 constexpr ChipRow resolved_row(const ChipData& chip) {
   const ModelData& model = model_data(chip.model_code);
   return {
+      .device_uuid = device_uuid_words(chip.family_id, chip.model_code, chip.rev_id),
       .chip_id = chip.chip_id,
       .family_id = chip.family_id,
       .model_code = chip.model_code,
@@ -84,6 +87,7 @@ constexpr ChipRow resolved_row(const ChipData& chip) {
 // What holds as long as the GPU is not identified, and for a chip that has no row.
 constexpr ChipRow default_row(uint32_t chip_id) {
   ChipRow row{};
+  row.device_uuid = device_uuid_words(0, 0, 0);
   row.chip_id = chip_id;
   row.properties = kDefaultProperties;
   return row;

@@ -25,26 +25,27 @@ constexpr MetadataHeader kHeader = {
 // A row of one element is counted in bits and back, which drops the upper three bits of its bytes.
 constexpr uint32_t kRowBytesMask = 0x1FFFFFFF;
 
-constexpr uint32_t surface_alignment(const Surface& surface) {
-  const ChipProperties& chip = surface.chip.properties;
-  switch (surface.tiling_mode) {
+constexpr uint32_t surface_alignment(const ChipRow& chip, const FormatTraits& format,
+                                     uint32_t samples, uint32_t tiling_mode) {
+  switch (tiling_mode) {
+    case KORVEL_TILING_TILED: return chip.properties.tiled_alignment;
     case KORVEL_TILING_LINEAR:
-      return round_up<uint32_t>(surface.format.substitute_bytes * surface.samples & kRowBytesMask,
-                                chip.pixel_alignment);
-    case KORVEL_TILING_TILED: return chip.tiled_alignment;
+      return round_up<uint32_t>(format.substitute_bytes * samples & kRowBytesMask,
+                                chip.properties.pixel_alignment);
     default: return 0;
   }
 }
 
-void write_identity(const Surface& surface, MemoryLayout& record) {
-  const ChipRow& chip = surface.chip;
+void write_header(const ChipRow& chip, uint32_t format, uint32_t samples,
+                  LayoutMetadata& metadata) {
+  metadata.header = kHeader;
+  MemoryLayout& record = metadata.layout;
   record.signature = KORVEL_LAYOUT_SIGNATURE;
   record.size = sizeof(MemoryLayout);
-  store_uuid(record.device_uuid, device_uuid_words(chip.family_id, chip.model_code, chip.rev_id));
+  store_uuid(record.device_uuid, chip.device_uuid);
   store_uuid(record.driver_uuid, kDriverUuid);
-  record.alignment = surface_alignment(surface);
-  record.format = surface.format_id;
-  record.samples = surface.samples;
+  record.format = format;
+  record.samples = samples;
   record.linear_fallback = 0;
   record.levels = 1;
 }
@@ -64,13 +65,13 @@ uint32_t korvel_init_memory_layout(void* blob, int32_t width, int32_t height, in
   }
   if (blob == nullptr) return KORVEL_FAILURE;
 
+  auto& metadata = *static_cast<LayoutMetadata*>(blob);
+  const korvel::FormatTraits& traits = korvel::kFormatTraits[format];
+  korvel::write_header(chip, format, samples, metadata);
+  metadata.layout.alignment = korvel::surface_alignment(chip, traits, samples, tiling_mode);
   // Depth/stencil formats have passed the check as tiled ones: the mode asked for is the mode laid
   // out.
-  const korvel::Surface surface = korvel::describe_surface(
-      chip, format, korvel::kFormatTraits[format], depth, samples, tiling_mode, flags, planes);
-  auto& metadata = *static_cast<LayoutMetadata*>(blob);
-  metadata.header = korvel::kHeader;
-  korvel::write_identity(surface, metadata.layout);
-  korvel::lay_out_single_level_surface(surface, {width, height}, 1, metadata.layout);
+  korvel::lay_out_single_level_surface(chip, {format, depth, samples, tiling_mode, flags, planes},
+                                       traits, {width, height}, 1, metadata.layout);
   return KORVEL_SUCCESS;
 }

@@ -9,8 +9,8 @@ void korvel_init_multi_level_surface(MemoryLayout* record, uint32_t width, uint3
   constexpr const char* kName = "korvel_init_multi_level_surface";
   const korvel::ChipRow& chip = korvel::identified_chip();
   if (!korvel::levels_fit(kName, record->levels) || !korvel::planes_fit(kName, planes)) return;
-  const korvel::Surface surface = korvel::describe_surface(
-      chip, format, korvel::format_traits(format), depth, samples, tiling_mode, flags, planes);
+  const korvel::Surface surface = korvel::describe_multi_level_surface(
+      chip, {format, depth, samples, tiling_mode, flags, planes}, korvel::format_traits(format));
   korvel::lay_out_multi_level_surface(
       surface, {static_cast<int32_t>(width), static_cast<int32_t>(height)}, *record);
 }

@@ -9,7 +9,7 @@ void korvel_init_single_level_surface(MemoryLayout* record, int32_t width, int32
   constexpr const char* kName = "korvel_init_single_level_surface";
   const korvel::ChipRow& chip = korvel::identified_chip();
   if (!korvel::levels_fit(kName, record->levels) || !korvel::planes_fit(kName, planes)) return;
-  const korvel::Surface surface = korvel::describe_surface(
-      chip, format, korvel::format_traits(format), depth, samples, tiling_mode, flags, planes);
-  korvel::lay_out_single_level_surface(surface, {width, height}, record->levels, *record);
+  korvel::lay_out_single_level_surface(chip, {format, depth, samples, tiling_mode, flags, planes},
+                                       korvel::format_traits(format), {width, height},
+                                       record->levels, *record);
 }

@@ -55,9 +55,12 @@ struct Buffer {
 [[gnu::always_inline]] inline bool exceeds_surface(const Buffer& buffer, uint32_t slices,
                                                    uint64_t surface_size) {
   uint64_t end;
-  if (__builtin_mul_overflow(uint64_t{slices - 1}, buffer.slice_pitch, &end)) return true;
-  if (__builtin_add_overflow(end, buffer.offset, &end)) return true;
-  if (__builtin_add_overflow(end, buffer.size, &end)) return true;
+  if (__builtin_add_overflow(buffer.offset, buffer.size, &end)) return true;
+  if (slices != 1) {
+    uint64_t others;
+    if (__builtin_mul_overflow(uint64_t{slices - 1}, buffer.slice_pitch, &others)) return true;
+    if (__builtin_add_overflow(end, others, &end)) return true;
+  }
   return end > surface_size;
 }
 
@@ -308,17 +311,17 @@ bool level_passes(const unsigned char* level, uint32_t l, const CheckedHeader& h
 struct CoveredSize {
   uint32_t width;      // elements
   uint32_t height;     // rows
-  uint64_t allocated;  // elements; 0 where a side of the allocation is 0
+  uint32_t allocated;  // elements, wrapping; 0 where a side of the allocation is 0
 };
 
 template <typename Kind>
-inline CoveredSize covered_size(const unsigned char* plane) {
+[[gnu::always_inline]] inline CoveredSize covered_size(const unsigned char* plane) {
   using Plane = typename Kind::Plane;
   const auto width = KORVEL_WORD(plane, Plane, image_width);
   const auto height = KORVEL_WORD(plane, Plane, image_height);
   if constexpr (Kind::kHasActualSize) {
     return {KORVEL_WORD(plane, Plane, actual_width), KORVEL_WORD(plane, Plane, actual_height),
-            uint64_t{width} * height};
+            width * height};
   } else {
     return {width, height, 1};  // the covered size is the allocation
   }
@@ -330,7 +333,8 @@ constexpr bool is_counted(uint64_t count, uint64_t most) {
 }
 
 // A first look that nearly every valid plane passes, in half the comparisons: true only for a plane
-// that passes each check above. The others, valid or not, are looked at check by check.
+// that passes each check above. The others, valid or not, are looked at check by check. `slices`
+// and `tiled` are constants where the caller knows them.
 template <typename Kind>
 [[gnu::always_inline]] inline bool plane_is_plain(const unsigned char* plane, uint32_t slices,
                                                   uint32_t tiled, uint64_t surface_size) {
@@ -348,64 +352,89 @@ template <typename Kind>
   if (covered.allocated == 0) return false;
 
   const auto flag_valid = KORVEL_WORD(plane, Plane, flag_valid);
-  if (flag_valid == 0) return true;
-  if (flag_valid != tiled) return false;  // both are 1
+  if (flag_valid != tiled) return flag_valid == 0;
+  if (tiled == 0) return true;
   const Buffer flag = {KORVEL_WORD(plane, Plane, flag_offset),
                        KORVEL_WORD(plane, Plane, flag_slice_pitch),
                        KORVEL_WORD(plane, Plane, flag_size)};
   if (exceeds_surface(flag, slices, surface_size)) return false;
   if (!is_counted(KORVEL_WORD(plane, Plane, flag_pitch), flag.slice_pitch)) return false;
-  return flag.size <= flag.slice_pitch;
+  if (flag.size > flag.slice_pitch) return false;
+  return true;
 }
 
 template <typename Kind>
-[[gnu::always_inline]] inline bool planes_are_plain(const unsigned char* plane, uint32_t planes,
-                                                    uint32_t slices, uint32_t tiled,
-                                                    uint64_t surface_size) {
-  const unsigned char* const end = plane + planes * sizeof(typename Kind::Plane);
-  for (; plane != end; plane += sizeof(typename Kind::Plane)) {
-    if (!plane_is_plain<Kind>(plane, slices, tiled, surface_size)) return false;
+[[gnu::always_inline]] inline bool planes_are_plain(const unsigned char* level, uint32_t slices,
+                                                    uint32_t tiled, uint64_t surface_size) {
+  using Level = typename Kind::Level;
+  const auto is_plain = [=](uint32_t p) __attribute__((always_inline)) {
+    const unsigned char* plane = level + offsetof(Level, plane) + p * sizeof(typename Kind::Plane);
+    return plane_is_plain<Kind>(plane, slices, tiled, surface_size);
+  };
+  switch (KORVEL_WORD(level, Level, planes)) {
+    case 3:
+      if (!is_plain(2)) return false;
+      [[fallthrough]];
+    case 2:
+      if (!is_plain(1)) return false;
+      [[fallthrough]];
+    case 1:
+      if (!is_plain(0)) return false;
+      return true;
+    default: return false;
   }
-  return true;
+}
+
+// Levels of several slices, apart because they need a multiplication for each buffer.
+template <typename Kind>
+[[gnu::noinline]] bool planes_of_slices_are_plain(const unsigned char* level, uint32_t tiled,
+                                                  uint64_t surface_size) {
+  using Level = typename Kind::Level;
+  const auto slices = KORVEL_WORD(level, Level, slices);
+  return is_counted(slices, KORVEL_MAX_SLICES) &&
+         planes_are_plain<Kind>(level, slices, tiled, surface_size);
 }
 
 // The same for a level without low-resolution depth that is like the level before it.
 template <typename Kind>
-[[gnu::always_inline]] inline bool level_is_plain(const unsigned char* level,
-                                                  const CheckedHeader& header,
-                                                  const LevelState& chain) {
+[[gnu::always_inline]] inline bool level_is_plain(const unsigned char* level, uint32_t tiled,
+                                                  const CheckedHeader& header) {
   using Level = typename Kind::Level;
-  const auto slices = KORVEL_WORD(level, Level, slices);
-  const auto tiled = KORVEL_WORD(level, Level, tiled);
-  const auto planes = KORVEL_WORD(level, Level, planes);
-  const uint32_t lrz =
-      KORVEL_WORD(level, Level, lrz_valid) | KORVEL_WORD(level, Level, lrz_fc_valid);
   if (!is_counted(KORVEL_WORD(level, Level, size), header.total_size)) return false;
-  if (!is_counted(slices, KORVEL_MAX_SLICES)) return false;
-  if (!is_counted(planes, KORVEL_MAX_PLANES)) return false;
-  if (tiled != chain.tiled || lrz != 0) return false;
-  const unsigned char* plane = level + offsetof(Level, plane);
-  // A single slice, known as such, takes no multiplication.
-  return slices == 1 ? planes_are_plain<Kind>(plane, planes, 1, tiled, header.surface_size)
-                     : planes_are_plain<Kind>(plane, planes, slices, tiled, header.surface_size);
+  if (KORVEL_WORD(level, Level, tiled) != tiled) return false;
+  if ((KORVEL_WORD(level, Level, lrz_valid) | KORVEL_WORD(level, Level, lrz_fc_valid)) != 0) {
+    return false;
+  }
+  if (KORVEL_WORD(level, Level, slices) != 1) {
+    return planes_of_slices_are_plain<Kind>(level, tiled, header.surface_size);
+  }
+  return planes_are_plain<Kind>(level, 1, tiled, header.surface_size);
 }
 
+// How many levels from the first one on are plain and tiled alike.
 template <typename Kind>
-LevelState state_of_first_level(const unsigned char* record) {
-  using Level = typename Kind::Level;
-  const unsigned char* level = record + Kind::kLevels;
-  return {KORVEL_WORD(level, Level, tiled), KORVEL_WORD(level, Level, lrz_valid)};
+[[gnu::always_inline]] inline uint32_t plain_levels(const unsigned char* level, uint32_t tiled,
+                                                    const CheckedHeader& header) {
+  uint32_t l = 0;
+  while (l < header.levels && level_is_plain<Kind>(level, tiled, header)) {
+    ++l;
+    level += sizeof(typename Kind::Level);
+  }
+  return l;
 }
 
 // Every level of a record whose header has passed.
 template <typename Kind>
 bool levels_pass(const unsigned char* record, const CheckedHeader& header) {
-  LevelState chain = state_of_first_level<Kind>(record);
-  const bool may_be_plain = chain.tiled <= 1 && chain.lrz_valid == 0;
-  for (uint32_t l = 0; l < header.levels; ++l) {
-    const unsigned char* level = record + Kind::kLevels + l * sizeof(typename Kind::Level);
-    if (may_be_plain && level_is_plain<Kind>(level, header, chain)) continue;
-    if (!level_passes<Kind>(level, l, header, chain)) return false;
+  using Level = typename Kind::Level;
+  const unsigned char* const levels = record + Kind::kLevels;
+  const uint32_t plain = KORVEL_WORD(levels, Level, tiled) == 1
+                             ? plain_levels<Kind>(levels, 1, header)
+                             : plain_levels<Kind>(levels, 0, header);
+  if (plain == header.levels) return true;
+  LevelState chain = {KORVEL_WORD(levels, Level, tiled), 0};  // of the plain levels
+  for (uint32_t l = plain; l < header.levels; ++l) {
+    if (!level_passes<Kind>(levels + l * sizeof(Level), l, header, chain)) return false;
   }
   return true;
 }

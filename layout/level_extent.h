@@ -1,6 +1,7 @@
 // The size of one mip level, before alignment.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 
 #include "formats/compressed_extent.h"
@@ -14,19 +15,22 @@ struct LevelExtent {
   int32_t height;
 };
 
-// Levels that would vanish keep the size of the one before, 1 in front of the first. Sizes halve
-// down to 1 before they vanish, so this is the same as never going below 1.
-constexpr LevelExtent level_texels(LevelExtent base, uint32_t level) {
-  const auto halved = [level](int32_t size) { return size >> level > 0 ? size >> level : 1; };
-  return {halved(base.width), halved(base.height)};
+// Level 0 of a size; nothing vanishes.
+constexpr LevelExtent first_level(LevelExtent size) {
+  return {std::max(size.width, 1), std::max(size.height, 1)};
 }
 
-// In elements: texels, or blocks of a block-compressed format.
-constexpr LevelExtent level_elements(const Surface& surface, LevelExtent base, uint32_t level) {
-  const LevelExtent texels = level_texels(base, level);
-  if ((surface.format.rules & kRuleBlockCompressed) == 0) return texels;
-  const BlockExtent blocks = compressed_extent(
-      surface.format, surface.chip.properties.pixel_alignment, texels.width, texels.height);
+// A side that would vanish keeps its size.
+constexpr LevelExtent next_level(LevelExtent texels) {
+  return {std::max(texels.width >> 1, 1), std::max(texels.height >> 1, 1)};
+}
+
+// The size of a level in elements: texels, or blocks of a block-compressed format.
+constexpr LevelExtent level_elements(const Surface& surface, LevelExtent texels) {
+  const FormatTraits& format = surface.alignment.format;
+  if ((format.rules & kRuleBlockCompressed) == 0) return texels;
+  const BlockExtent blocks = compressed_extent(format, surface.chip.properties.pixel_alignment,
+                                               texels.width, texels.height);
   return {static_cast<int32_t>(blocks.width), static_cast<int32_t>(blocks.height)};
 }
 

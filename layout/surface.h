@@ -14,46 +14,64 @@
 
 namespace korvel {
 
-// Pitch padding knows a half of its own for tiled surfaces.
-inline constexpr uint32_t kSelectorTiled = 2;
+// The half of the pitch-padding table. Tiled surfaces would take the other one, but only linear
+// rows are padded.
 inline constexpr uint32_t kSelectorLinear = 1;
 
 struct Surface {
   const ChipRow& chip;
-  FormatId format_id;
-  const FormatTraits& format;
-  int32_t depth;  // slices; sizes are multiplied by its 64-bit sign extension
-  uint32_t samples;
-  uint32_t tiling_mode;
+  AlignmentRequest alignment;  // what its planes are aligned for
+  int32_t depth;               // slices; sizes are multiplied by its 64-bit sign extension
   uint32_t planes;
-
   uint32_t element_size;    // bytes of an element, all samples
   uint32_t mode_alignment;  // bytes; what images of the tiling mode are rounded up to
-  Extent extra_padding;     // elements and rows
   bool flag_buffers;        // asked for, and the chip compresses the format
   bool extra;               // the extra buffer was asked for
   bool extended;            // together with the extra padding
 };
 
-constexpr Surface describe_surface(const ChipRow& chip, FormatId format_id,
-                                   const FormatTraits& format, int32_t depth, uint32_t samples,
-                                   uint32_t tiling_mode, uint64_t flags, uint32_t planes) {
-  constexpr uint64_t kExtendedFlags = LAYOUT_FLAG_EXTRA | LAYOUT_FLAG_EXTENDED;
-  const bool extended = (flags & kExtendedFlags) == kExtendedFlags;
+// What the caller of an initialiser asks for, beside the size.
+struct SurfaceRequest {
+  FormatId format_id;
+  int32_t depth;
+  uint32_t samples;
+  uint32_t tiling_mode;
+  uint64_t flags;
+  uint32_t planes;
+};
+
+// As for AlignmentRequest.
+constexpr SurfaceRequest stored_copy(const SurfaceRequest& request) {
+  return {request.format_id,   request.depth, request.samples,
+          request.tiling_mode, request.flags, request.planes};
+}
+
+constexpr Surface describe_surface(const ChipRow& chip, const SurfaceRequest& request,
+                                   const FormatTraits& format, int32_t min_padded_row_bytes,
+                                   uint32_t divisor) {
+  const bool tiled = request.tiling_mode == KORVEL_TILING_TILED;
+  const bool extra = (request.flags & LAYOUT_FLAG_EXTRA) != 0;
+  const bool extended = extra & ((request.flags & LAYOUT_FLAG_EXTENDED) != 0);
   return {
       .chip = chip,
-      .format_id = format_id,
-      .format = format,
-      .depth = depth,
-      .samples = samples,
-      .tiling_mode = tiling_mode,
-      .planes = planes,
-      .element_size = format.bytes * samples,
-      .mode_alignment = tiling_mode == KORVEL_TILING_TILED ? chip.properties.tiled_alignment
-                                                           : chip.properties.linear_alignment,
-      .extra_padding = extra_padding(chip, format_id, extended ? 1 : 0),
-      .flag_buffers = (flags & LAYOUT_FLAG_UBWC) != 0 && ubwc_supported(chip, format_id),
-      .extra = (flags & LAYOUT_FLAG_EXTRA) != 0,
+      .alignment =
+          {
+              .format_id = request.format_id,
+              .format = format,
+              .samples = request.samples,
+              .tiling_mode = request.tiling_mode,
+              .selector = kSelectorLinear,
+              .min_padded_row_bytes = min_padded_row_bytes,
+              .divisor = divisor,
+              .extra = extra_padding(chip, request.format_id, extended ? 1 : 0),
+          },
+      .depth = request.depth,
+      .planes = request.planes,
+      .element_size = format.bytes * request.samples,
+      .mode_alignment = tiled ? chip.properties.tiled_alignment : chip.properties.linear_alignment,
+      .flag_buffers =
+          (request.flags & LAYOUT_FLAG_UBWC) != 0 && ubwc_supported(chip, request.format_id),
+      .extra = extra,
       .extended = extended,
   };
 }
@@ -64,23 +82,8 @@ constexpr uint64_t times_depth(const Surface& surface, uint64_t bytes) {
 
 // The tile of a plane's flag buffer; planes behind the first take the narrower one of two.
 constexpr SampleTile flag_tile(const Surface& surface, uint32_t plane) {
-  return sample_tile_dims(surface.chip.family_id, surface.format, plane != 0, surface.samples);
-}
-
-constexpr AlignmentRequest plane_request(const Surface& surface, uint32_t plane,
-                                         int32_t min_padded_row_bytes, uint32_t divisor) {
-  const bool tiled = surface.tiling_mode == KORVEL_TILING_TILED;
-  return {
-      .format_id = surface.format_id,
-      .format = surface.format,
-      .plane = plane,
-      .samples = surface.samples,
-      .tiling_mode = surface.tiling_mode,
-      .selector = tiled ? kSelectorTiled : kSelectorLinear,
-      .min_padded_row_bytes = min_padded_row_bytes,
-      .divisor = divisor,
-      .extra = surface.extra_padding,
-  };
+  return sample_tile_dims(surface.chip.family_id, surface.alignment.format, plane != 0,
+                          surface.alignment.samples);
 }
 
 }  // namespace korvel

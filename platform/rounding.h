@@ -21,6 +21,16 @@ constexpr uint32_t round_up_to_multiple(uint32_t value, uint32_t step) {
   return value == 0 ? step : step + (value - 1) / step * step;
 }
 
+// The same without dividing, for a step that is a power of two; `value` is not 0.
+constexpr uint32_t round_up_counted(uint32_t value, uint32_t step) {
+  return ((value - 1) | (step - 1)) + 1;
+}
+
+// And for any value.
+constexpr uint32_t round_up_to_power_of_two(uint32_t value, uint32_t step) {
+  return value == 0 ? step : round_up_counted(value, step);
+}
+
 constexpr uint32_t divide_rounding_up(uint32_t value, uint32_t divisor) {
   return divide(value + divisor - 1, divisor);
 }
