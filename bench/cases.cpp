@@ -4,7 +4,9 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <random>
 
+#include "bench/floors.h"
 #include "simulator/hxl_sim.h"
 
 namespace bench {
@@ -19,11 +21,14 @@ constexpr uint32_t kNv12 = 103;
 constexpr uint32_t kChip = HXL_SIM_DEFAULT_CHIP;
 
 LayoutMetadata blob;
+MemoryLayout surface;
 MemoryLayout chain;
 MemoryLayout full_record;
 SurfaceMetadata full_surface;
 uint8_t device_uuid[KORVEL_UUID_BYTES];
 uint8_t driver_uuid[KORVEL_UUID_BYTES];
+uint8_t other_uuid[KORVEL_UUID_BYTES];
+char text[64];
 uint32_t out_width;
 uint32_t out_height;
 uint32_t out_bytes;
@@ -35,6 +40,13 @@ void lay_out(uint32_t format, uint32_t samples, uint32_t tiling_mode, uint64_t f
       korvel_init_memory_layout(&blob, 1920, 1080, 1, format, samples, tiling_mode, flags, planes);
 }
 
+void lay_out_surface(uint32_t format) {
+  surface.levels = 1;
+  surface.alignment = 4096;
+  surface.size = sizeof surface;
+  korvel_init_single_level_surface(&surface, 1920, 1080, 1, format, 1, KORVEL_TILING_TILED, 0, 1);
+}
+
 void lay_out_chain(uint32_t levels, uint64_t flags) {
   chain.levels = levels;
   chain.alignment = 4096;
@@ -43,70 +55,143 @@ void lay_out_chain(uint32_t levels, uint64_t flags) {
                                   flags, 1);
 }
 
+// Formats in an order that no branch predictor learns: used ids, unused ones, and some beyond all.
+constexpr std::size_t kMixedFormats = 1'000'000;
+constexpr uint32_t kFormatsToMix = 730;
+uint16_t mixed_formats[kMixedFormats];
+
+uint32_t next_format() {
+  static std::size_t next = 0;
+  if (next == kMixedFormats) next = 0;
+  return mixed_formats[next++];
+}
+
+uint32_t next_format_of_the_table() {
+  constexpr uint32_t kLastFormat = 721;
+  return next_format() % kLastFormat + 1;
+}
+
+void mix_formats() {
+  std::mt19937 random(1);  // the same order in every run
+  for (uint16_t& format : mixed_formats) format = static_cast<uint16_t>(random() % kFormatsToMix);
+}
+
+uint8_t floor_table[kFormatsToMix];
+LayoutMetadata floor_blob;
+MemoryLayout floor_chain;
+
+#define LAYOUT "korvel_init_memory_layout"
+#define CHAIN "korvel_init_multi_level_surface"
+
 constexpr Case kCases[] = {
-    {"nothing", [] {}},
-    {"layout/r8g8b8a8 tiled", [] { lay_out(kR8G8B8A8Unorm, 1, 1, 0, 1); }},
-    {"layout/r8g8b8a8 linear", [] { lay_out(kR8G8B8A8Unorm, 1, 0, 0, 1); }},
-    {"layout/r8g8b8a8 tiled ubwc", [] { lay_out(kR8G8B8A8Unorm, 1, 1, LAYOUT_FLAG_UBWC, 1); }},
-    {"layout/nv12 tiled ubwc", [] { lay_out(kNv12, 1, 1, LAYOUT_FLAG_UBWC, 2); }},
-    {"layout/bc1 tiled", [] { lay_out(kBc1Unorm, 1, 1, 0, 1); }},
-    {"layout/d32 4 samples", [] { lay_out(kD32Float, 4, 1, 0, 1); }},
-    {"chain/11 levels", [] { lay_out_chain(11, 0); }},
-    {"chain/12 levels", [] { lay_out_chain(12, 0); }},
-    {"chain/11 levels ubwc", [] { lay_out_chain(11, LAYOUT_FLAG_UBWC); }},
-    {"predicate/renderable", [] { sink = isFormatRenderableByGpu(kR8G8B8A8Unorm, 0); }},
-    {"predicate/sampleable", [] { sink = isFormatSampleableByGpu(kR8G8B8A8Unorm, 1, 0); }},
-    {"predicate/ubwc", [] { sink = isUBWCSupportedByGpu(kR8G8B8A8Unorm); }},
-    {"validate/layout 15 x 3",
+    {"nothing", nullptr, nullptr, [] {}},
+    {"layout/r8g8b8a8 tiled", LAYOUT, "floor/layout", [] { lay_out(kR8G8B8A8Unorm, 1, 1, 0, 1); }},
+    {"layout/r8g8b8a8 linear", LAYOUT, "floor/layout", [] { lay_out(kR8G8B8A8Unorm, 1, 0, 0, 1); }},
+    {"layout/r8g8b8a8 tiled ubwc", LAYOUT, "floor/layout",
+     [] { lay_out(kR8G8B8A8Unorm, 1, 1, LAYOUT_FLAG_UBWC, 1); }},
+    {"layout/nv12 tiled ubwc", LAYOUT, "floor/layout",
+     [] { lay_out(kNv12, 1, 1, LAYOUT_FLAG_UBWC, 2); }},
+    {"layout/bc1 tiled", LAYOUT, "floor/layout", [] { lay_out(kBc1Unorm, 1, 1, 0, 1); }},
+    {"layout/d32 4 samples", LAYOUT, "floor/layout", [] { lay_out(kD32Float, 4, 1, 0, 1); }},
+    {"layout/random format", LAYOUT, "floor/layout",
+     [] { lay_out(next_format_of_the_table(), 1, 1, 0, 1); }},
+    {"surface/r8g8b8a8 tiled", "korvel_init_single_level_surface", nullptr,
+     [] { lay_out_surface(kR8G8B8A8Unorm); }},
+    {"chain/11 levels", CHAIN, "floor/chain 11", [] { lay_out_chain(11, 0); }},
+    {"chain/12 levels", CHAIN, "floor/chain 12", [] { lay_out_chain(12, 0); }},
+    {"chain/12 levels ubwc", CHAIN, "floor/chain 12", [] { lay_out_chain(12, LAYOUT_FLAG_UBWC); }},
+    {"predicate/renderable", "isFormatRenderableByGpu", "floor/look-up",
+     [] { sink = isFormatRenderableByGpu(kR8G8B8A8Unorm, 0); }},
+    {"predicate/renderable random", "isFormatRenderableByGpu", "floor/look-up random",
+     [] { sink = isFormatRenderableByGpu(static_cast<int32_t>(next_format()), 0); }},
+    {"predicate/sampleable", "isFormatSampleableByGpu", "floor/look-up",
+     [] { sink = isFormatSampleableByGpu(kR8G8B8A8Unorm, 1, 0); }},
+    {"predicate/sampleable random", "isFormatSampleableByGpu", "floor/look-up random",
+     [] { sink = isFormatSampleableByGpu(static_cast<int32_t>(next_format()), 1, 0); }},
+    {"predicate/ubwc", "isUBWCSupportedByGpu", "floor/look-up",
+     [] { sink = isUBWCSupportedByGpu(kR8G8B8A8Unorm); }},
+    {"predicate/ubwc random", "isUBWCSupportedByGpu", "floor/look-up random",
+     [] { sink = isUBWCSupportedByGpu(next_format()); }},
+    {"validate/layout 15 x 3", "validate_resource_memory_layout_metadata", "floor/read layout",
      [] {
        sink = validate_resource_memory_layout_metadata(&full_record, device_uuid, driver_uuid);
      }},
-    {"validate/surface 15 x 3",
+    {"validate/surface 15 x 3", "validate_surface_metadata", "floor/read surface",
      [] { sink = validate_surface_metadata(&full_surface, device_uuid, driver_uuid); }},
-    {"align/full tiled",
+    {"align/full tiled", "compute_fmt_aligned_width_and_height", nullptr,
      [] {
        compute_fmt_aligned_width_and_height(1920, 1080, 0, kR8G8B8A8Unorm, 1, 1, 0, 512, &out_width,
                                             &out_height);
      }},
-    {"align/full linear",
+    {"align/full linear", "compute_fmt_aligned_width_and_height", nullptr,
      [] {
        compute_fmt_aligned_width_and_height(1920, 1080, 0, kR8G8B8A8Unorm, 1, 0, 0, 512, &out_width,
                                             &out_height);
      }},
-    {"align/fdm tiled",
+    {"align/fdm tiled", "compute_fmt_aligned_width_and_height_fdm", nullptr,
      [] {
        compute_fmt_aligned_width_and_height_fdm(1920, 1080, 0, kR8G8B8A8Unorm, 1, 1, 2, 512, 1, 0,
                                                 &out_width, &out_height);
      }},
-    {"align/minimal linear",
+    {"align/minimal linear", "compute_fmt_minimal_aligned_width_and_height", nullptr,
      [] {
        compute_fmt_minimal_aligned_width_and_height(1920, 1080, 0, kR8G8B8A8Unorm, 1, 0, 1, 1, 512,
                                                     4, 0, &out_width, &out_height);
      }},
-    {"align/in bytes",
+    {"align/in bytes", "compute_fmt_aligned_width_and_height_in_bytes", nullptr,
      [] {
        uint32_t tiling_mode = 1;
        const AlignInBytesParams params = {1920, 1080, 0, kR8G8B8A8Unorm, 1, 1, 512, &tiling_mode};
        const AlignInBytesResult result = {&out_bytes, &out_width, &out_height};
        compute_fmt_aligned_width_and_height_in_bytes(&params, &result);
      }},
-    {"align/basic",
+    {"align/basic", "compute_aligned_width_and_height", nullptr,
      [] { compute_aligned_width_and_height(1920, 1080, 0, 0, 0, 0, &out_width, &out_height); }},
-    {"align/surface padding", [] { sink = compute_surface_padding(1920, 0, 1, 0, 0); }},
-    {"align/compressed",
+    {"align/surface padding", "compute_surface_padding", nullptr,
+     [] { sink = compute_surface_padding(1920, 0, 1, 0, 0); }},
+    {"align/compressed", "compute_compressedfmt_aligned_width_and_height", nullptr,
      [] {
        compute_compressedfmt_aligned_width_and_height(1920, 1080, kBc1Unorm, 0, 0, 0, &out_width,
                                                       &out_height, &out_bytes);
      }},
-    {"align/pixel", [] { sink = get_gpu_pixel_alignment(); }},
-    {"align/slice pitch", [] { sink = get_slice_pitch_alignment(1); }},
-    {"uuid/device",
+    {"align/pixel", "get_gpu_pixel_alignment", nullptr, [] { sink = get_gpu_pixel_alignment(); }},
+    {"align/slice pitch", "get_slice_pitch_alignment", nullptr,
+     [] { sink = get_slice_pitch_alignment(1); }},
+    {"uuid/device", "get_device_uuid", nullptr,
      [] {
        sink = static_cast<uint32_t>(get_device_uuid(device_uuid, 16, 6, 0x060316, 0x0316000A));
      }},
-    {"uuid/driver", [] { sink = static_cast<uint32_t>(get_driver_uuid(driver_uuid, 16)); }},
-    {"blob/size", [] { sink = korvel_get_metadata_blob_size(); }},
-    {"blob/buffer size", [] { sink = korvel_get_aligned_gpu_buffer_size(&blob); }},
+    {"uuid/override", "get_override_device_uuid", nullptr,
+     [] {
+       sink = static_cast<uint32_t>(
+           get_override_device_uuid(other_uuid, 16, 6, 0x060316, 0x0316000A, 1));
+     }},
+    {"uuid/driver", "get_driver_uuid", nullptr,
+     [] { sink = static_cast<uint32_t>(get_driver_uuid(driver_uuid, 16)); }},
+    {"uuid/text", "uuid_to_str", nullptr,
+     [] {
+       sink = static_cast<uint32_t>(uuid_to_str(text, sizeof text, device_uuid, KORVEL_UUID_BYTES));
+     }},
+    {"secure context", "isSecureContextSupportedByGpu", nullptr,
+     [] { sink = isSecureContextSupportedByGpu(); }},
+    {"blob/size", "korvel_get_metadata_blob_size", nullptr,
+     [] { sink = korvel_get_metadata_blob_size(); }},
+    {"blob/buffer size", "korvel_get_aligned_gpu_buffer_size", nullptr,
+     [] { sink = korvel_get_aligned_gpu_buffer_size(&blob); }},
+    {"floor/layout", "floor_copy_layout", nullptr,
+     [] { floor_copy_layout(&floor_blob, &blob, 1, 1); }},
+    {"floor/chain 11", "floor_copy_layout", nullptr,
+     [] { floor_copy_layout(&floor_chain, &chain, 11, 0); }},
+    {"floor/chain 12", "floor_copy_layout", nullptr,
+     [] { floor_copy_layout(&floor_chain, &chain, 12, 0); }},
+    {"floor/look-up", "floor_look_up", nullptr,
+     [] { sink = floor_look_up(floor_table, kFormatsToMix, kR8G8B8A8Unorm); }},
+    {"floor/look-up random", "floor_look_up", nullptr,
+     [] { sink = floor_look_up(floor_table, kFormatsToMix, next_format()); }},
+    {"floor/read layout", "floor_read", nullptr,
+     [] { sink = floor_read(&full_record, KORVEL_LAYOUT_BYTES_VERSION_1); }},
+    {"floor/read surface", "floor_read", nullptr,
+     [] { sink = floor_read(&full_surface, KORVEL_SURFACE_BYTES); }},
 };
 
 // A plane whose image and flag buffer pass every check.
@@ -160,6 +245,7 @@ std::span<const Case> cases() {
 void prepare() {
   hxl_sim_set_chip(kChip);
   hxl_sim_set_recording(0);
+  mix_formats();
   lay_out(kR8G8B8A8Unorm, 1, 1, LAYOUT_FLAG_UBWC, 1);
 
   fill_uuids(device_uuid, driver_uuid);

@@ -1,6 +1,6 @@
 // Runs one case a number of times, for a tool that counts instructions from outside.
 //
-// instruction_counts            lists the cases, one a line
+// instruction_counts            lists the cases, one a line: name, function, floor, between tabs
 // instruction_counts CASE RUNS  calls the case RUNS times
 
 #include <cstdio>
@@ -11,7 +11,10 @@
 
 int main(int argc, char** argv) {
   if (argc == 1) {
-    for (const bench::Case& c : bench::cases()) std::puts(c.name);
+    for (const bench::Case& c : bench::cases()) {
+      if (c.function == nullptr) continue;
+      std::printf("%s\t%s\t%s\n", c.name, c.function, c.floor != nullptr ? c.floor : "-");
+    }
     return 0;
   }
   if (argc != 3) {
