@@ -8,13 +8,10 @@
 
 #include "identify/hardware_data.h"
 #include "tests/harness/gpu.h"
+#include "tests/reference/chip_facts.h"
 #include "tests/reference/reference.h"
 
 namespace comparison {
-
-// A chip of the hardware data as the reference wants it.
-reference::ChipFacts facts_of(const korvel::ChipData& chip);
-reference::ChipFacts facts_of_unknown_chip(uint32_t chip_id);
 
 // Both sides of one machine.
 class Pair {

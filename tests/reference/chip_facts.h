@@ -1,0 +1,14 @@
+// A chip of the hardware data as the reference wants it.
+#pragma once
+
+#include <cstdint>
+
+#include "identify/hardware_data.h"
+#include "tests/reference/reference.h"
+
+namespace comparison {
+
+reference::ChipFacts facts_of(const korvel::ChipData& chip);
+reference::ChipFacts facts_of_unknown_chip(uint32_t chip_id);
+
+}  // namespace comparison
