@@ -130,12 +130,13 @@ bool has_empty_rows(const LaidOutSurface& surface) {
   return false;
 }
 
-// A chain's size of 2^31 or more is negative: images of one element, beside flag buffers for 2^31.
-bool chain_size_is_negative(const LaidOutSurface& surface) {
-  constexpr int32_t kWidest = INT32_MAX - 63;  // a chain's width takes steps of 64
+// Sizes near 2^31 become negative when a chain's width is rounded up or extra rows are added:
+// images of one element, beside flag buffers for all 2^31.
+bool chain_size_may_turn_negative(const LaidOutSurface& surface) {
+  constexpr int32_t kLargest = 1 << 30;
   const SurfaceArguments& a = surface.arguments;
   return surface.slices == Slices::of_whole_chains &&
-         (a.width < 0 || a.width > kWidest || a.height < 0);
+         (a.width < 0 || a.width > kLargest || a.height < 0 || a.height > kLargest);
 }
 
 // The writers describe more than the validator accepts. These are the layouts that it refuses.
@@ -146,7 +147,7 @@ bool validator_refuses(const LaidOutSurface& surface) {
   if (!is_tiled(surface) && has_flag_buffers(surface)) return true;
   if (a.depth > KORVEL_MAX_SLICES || a.planes == 0) return true;
   if (!chip.base_alignment || !chip.linear_alignment || !chip_places_buffers(surface)) return true;
-  if (chain_size_is_negative(surface)) return true;
+  if (chain_size_may_turn_negative(surface)) return true;
   return has_empty_rows(surface) || !sizes_are_validated(surface);
 }
 
