@@ -11,6 +11,7 @@ namespace {
 constexpr int kFaultSignals[] = {SIGFPE, SIGTRAP};
 
 sigjmp_buf way_out;
+sigset_t usual_mask;
 volatile sig_atomic_t call_runs = 0;
 
 extern "C" void leave_call(int /*signal*/) {
@@ -19,6 +20,7 @@ extern "C" void leave_call(int /*signal*/) {
 }
 
 void catch_faults() {
+  sigprocmask(SIG_SETMASK, nullptr, &usual_mask);
   struct sigaction action = {};
   action.sa_handler = leave_call;
   action.sa_flags = SA_NODEFER;  // the handler is left by a jump
@@ -32,6 +34,8 @@ bool ends_in_division_fault(void (*call)(void*), void* context) {
   [[maybe_unused]] static const bool ready = (catch_faults(), true);
   if (sigsetjmp(way_out, 0) != 0) {
     call_runs = 0;
+    // A sanitizer blocks signals while a handler runs; a blocked fault would end the process.
+    sigprocmask(SIG_SETMASK, &usual_mask, nullptr);
     return true;
   }
   call_runs = 1;
