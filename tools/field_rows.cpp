@@ -49,7 +49,11 @@ void FieldRows::add_heading(std::string_view text) {
 void FieldRows::add_fields(std::size_t base, FieldList fields) {
   for (const StoredField& field : fields) {
     const std::size_t at = base + field.offset;
-    if (at + field.size <= file_.size()) add_field(at, field);
+    if (at + field.size <= file_.size()) {
+      add_field(at, field);
+    } else {
+      add_stretch(at, file_.size(), fmt::format("{}, cut by the end of the file", field.name));
+    }
   }
 }
 

@@ -90,6 +90,15 @@ TEST(Dump, RecordOffsetOutsideTheFile) {
   expect_parts(run.out, {"record_offset is invalid", "what stands at 0x18", "28  R8G8B8A8_UNORM"});
 }
 
+TEST(Dump, AFieldCutByTheEndOfTheFile) {
+  const ScratchFolder folder;
+  LayoutMetadata blob = stored_blob(folder);
+  blob.header.record_offset = offsetof(LayoutMetadata, layout) + 2;
+  const Outcome run = dump(folder.file("blob", bytes_of(blob)));
+  EXPECT_EQ(run.exit_code, 0);
+  expect_parts(run.out, {"0x159E  to 0x159F", "2 bytes, all 0: ", "cut by the end of the file"});
+}
+
 TEST(Dump, FilesThatFitNoRecord) {
   const ScratchFolder folder;
   const std::string blob(bytes_of(stored_blob(folder)));
