@@ -13,7 +13,9 @@ set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
 
 # Programs and libraries find each other wherever the build folder is moved to.
 set(CMAKE_BUILD_RPATH_USE_ORIGIN ON)
-add_link_options(-Wl,--enable-new-dtags)
+if(NOT WIN32)
+  add_link_options(-Wl,--enable-new-dtags)
+endif()
 
 add_compile_options(-Wall -Wextra -Wconversion -Wshadow -Werror)
 
