@@ -5,6 +5,9 @@
 #include <cstdio>
 #include <cstdlib>
 
+#include "tests/harness/image.h"
+#include "tests/harness/windows_export.h"
+
 namespace harness {
 
 namespace {
@@ -20,14 +23,7 @@ void resolve(void* handle, const char* name, Function& function) {
   if (function == nullptr) give_up(name);
 }
 
-}  // namespace
-
-const char* library_path() {
-  const char* chosen = std::getenv("KORVEL_UTILS_LIBRARY");
-  return chosen != nullptr ? chosen : KORVEL_UTILS_BUILT_LIBRARY;
-}
-
-Library load_library() {
+Library load_elf_library() {
   Library library;
   library.handle = dlopen(library_path(), RTLD_NOW | RTLD_LOCAL);
   if (library.handle == nullptr) give_up(library_path());
@@ -37,11 +33,42 @@ Library load_library() {
   return library;
 }
 
+// Where the exports of the DLL begin that is loaded now.
+namespace address_in_image {
+#define X(name) constinit uintptr_t name = 0;
+KORVEL_EXPORTS(X)
+#undef X
+}  // namespace address_in_image
+
+Library load_image() {
+  Library library;
+  library.image = std::make_shared<Image>(library_path());
+#define X(name)                                                  \
+  address_in_image::name = library.image->export_address(#name); \
+  library.name = &WindowsExport<decltype(&::name)>::call<address_in_image::name>;
+  KORVEL_EXPORTS(X)
+#undef X
+  return library;
+}
+
+}  // namespace
+
+const char* library_path() {
+  const char* chosen = std::getenv("KORVEL_UTILS_LIBRARY");
+  return chosen != nullptr ? chosen : KORVEL_UTILS_BUILT_LIBRARY;
+}
+
+Library load_library() {
+  return is_image(library_path()) ? load_image() : load_elf_library();
+}
+
 void unload_library(Library& library) {
-  dlclose(library.handle);
-  if (dlopen(library_path(), RTLD_NOW | RTLD_NOLOAD) != nullptr) {
-    std::fprintf(stderr, "%s stays loaded: the next test would see its state\n", library_path());
-    std::abort();
+  if (library.handle != nullptr) {
+    dlclose(library.handle);
+    if (dlopen(library_path(), RTLD_NOW | RTLD_NOLOAD) != nullptr) {
+      std::fprintf(stderr, "%s stays loaded: the next test would see its state\n", library_path());
+      std::abort();
+    }
   }
   library = Library{};
 }
