@@ -33,6 +33,9 @@ target_link_options(
   PRIVATE
   /nologo
   /WX
+  # The compiler's target ties the unwind data of an inline function to it by name alone; without this
+  # switch the linker does not know, and drops the data.
+  /lldmingw
   /dll
   /def:lib/korvel_utils.def
   # Nothing runs at load and nothing of a C run-time library is linked.
