@@ -1,5 +1,5 @@
-/* A program for Windows that needs nothing but the DLL. It ends with 0 when all answers are right, else
- * with the number of the first wrong one. */
+/* A program for Windows that needs nothing but the DLL. It ends with 0 when all answers are right,
+ * else with the number of the first wrong one. */
 #include <korvel_utils.h>
 
 static LayoutMetadata blob;

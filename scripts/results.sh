@@ -1,0 +1,36 @@
+# Sourced by scripts/test: runs the tests of presets, and puts the results of all of them in one table.
+
+results=$(mktemp -d)
+trap 'rm -rf "$results"' EXIT
+
+# Adds the row of a finished run: its tests, those that failed, its seconds.
+note_result() {
+  awk -v target="$1" '
+    / tests failed out of / { failed = $4; tests = $NF }
+    /^Total Test time/ { seconds = $(NF - 1) }
+    END {
+      if (tests == "") exit 1
+      printf "%-34s %6d %6d %8.1f s\n", target, tests, failed, seconds
+    }' "$2" >>"$results/rows"
+}
+
+# run_tests PRESET TARGET: a failure ends the script, with ctest's summary as its last words.
+run_tests() {
+  echo "== $1"
+  ctest --preset "$1" --progress | tee "$results/log"
+  note_result "$2" "$results/log"
+}
+
+# The same, with the table of all runs in front of ctest's summary.
+run_tests_last() {
+  echo "== $1"
+  if ! ctest --preset "$1" --progress >"$results/log"; then
+    cat "$results/log"
+    exit 1
+  fi
+  note_result "$2" "$results/log"
+  printf '\n%-34s %6s %6s %10s\n' target tests failed time
+  cat "$results/rows"
+  echo
+  sed -n '/tests failed out of/,$p' "$results/log"
+}
