@@ -19,7 +19,7 @@ else()
   set(static_library_file ${CMAKE_INSTALL_LIBDIR}/libkorvel_utils.a)
 
   # The driver's installer may put the services beside the library; elsewhere the system finds them.
-  set_target_properties(korvel_utils PROPERTIES INSTALL_RPATH $ORIGIN)
+  set_target_properties(korvel_utils PROPERTIES INSTALL_RPATH $ORIGIN BUILD_WITH_INSTALL_RPATH ON)
   install(TARGETS hxluser COMPONENT simulator EXCLUDE_FROM_ALL)
 endif()
 install(TARGETS korvel_utils)
