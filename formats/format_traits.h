@@ -159,10 +159,17 @@ static_assert([] {
   return true;
 }());
 
-// Elements of more than one texel.
+// Formats whose elements may hold more than one texel.
 constexpr bool has_blocks(const FormatTraits& format) {
-  return format.block_width != 1 || format.block_height != 1;
+  return (format.rules & kRuleBlockFamily67) != 0;
 }
+
+static_assert([] {
+  for (const FormatTraits& format : kFormatTraits) {
+    if ((format.block_width != 1 || format.block_height != 1) && !has_blocks(format)) return false;
+  }
+  return true;
+}());
 
 // Any 32-bit value; it is never used as an index unless the table holds it.
 constexpr const FormatTraits& format_traits(FormatId format) {
