@@ -1,0 +1,81 @@
+"""Prints the branches of the library's files that the tests took, and fails when one is left.
+
+A branch is a condition's outcome: true or false. Those of one place are added up over all sources
+and template arguments that it was compiled for.
+"""
+
+import json
+import subprocess
+import sys
+from collections import defaultdict
+from pathlib import Path
+
+ROOT = Path(__file__).resolve().parents[2]
+SUBSYSTEMS = ("platform", "identify", "formats", "align", "layout")
+
+
+def library_file(name):
+    path = Path(name)
+    if not path.is_relative_to(ROOT):
+        return None
+    inside = path.relative_to(ROOT)
+    return str(inside) if inside.parts[0] in SUBSYSTEMS else None
+
+
+def demangled(names):
+    done = subprocess.run(["c++filt"], input="\n".join(names), capture_output=True, text=True)
+    return done.stdout.splitlines()
+
+
+def compile_time_functions():
+    """Functions that run in the compiler only, by name."""
+    lines = (Path(__file__).with_name("compile_time_only.txt")).read_text().splitlines()
+    return [line.split()[0] for line in lines if line.strip() and not line.startswith("#")]
+
+
+def is_listed(function, listed):
+    name = function.split("(")[0].split("<")[0]
+    return any(name == entry or name.endswith("::" + entry) for entry in listed)
+
+
+def counted_branches(functions, listed):
+    """Counts by file, place and outcome; lines run by file; entries of the list that were met."""
+    branches = defaultdict(int)
+    left_out = set()
+    names = demangled([f["name"].split(":")[-1] for f in functions])
+    for function, name in zip(functions, names):
+        file_names = [library_file(f) for f in function["filenames"]]
+        for branch in function["branches"]:
+            line, column, _, _, true_count, false_count, file_index = branch[:7]
+            file = file_names[file_index]
+            if file is None:
+                continue
+            if is_listed(name, listed):
+                left_out.add(name)
+                continue
+            branches[(file, line, column, "true")] += true_count
+            branches[(file, line, column, "false")] += false_count
+    return branches, left_out
+
+
+def main():
+    functions = json.loads(Path(sys.argv[1]).read_text())["data"][0]["functions"]
+    branches, left_out = counted_branches(functions, compile_time_functions())
+    files = {f for function in functions for f in map(library_file, function["filenames"]) if f}
+    total = taken_in_all = 0
+    print(f"{'file':62} {'branches':>8} {'taken':>6}")
+    for file in sorted(files):
+        counts = [count for key, count in branches.items() if key[0] == file]
+        taken = sum(count > 0 for count in counts)
+        total, taken_in_all = total + len(counts), taken_in_all + taken
+        print(f"{file:62} {len(counts):8} {taken:6}")
+    print(f"{'all':62} {total:8} {taken_in_all:6}   {100 * taken_in_all / total:.1f} %")
+    print(f"{len(left_out)} functions run in the compiler only (compile_time_only.txt)")
+    for (file, line, column, outcome), count in sorted(branches.items()):
+        if count == 0:
+            print(f"never {outcome}: {file}:{line}:{column}", file=sys.stderr)
+    sys.exit(0 if taken_in_all == total else 1)
+
+
+if __name__ == "__main__":
+    main()

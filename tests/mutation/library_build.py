@@ -1,0 +1,152 @@
+"""A copy of the library's sources in which one file at a time is changed and rebuilt."""
+
+import re
+import shutil
+import subprocess
+from pathlib import Path
+
+SUBSYSTEMS = ["platform", "identify", "formats", "align", "layout"]
+FLAGS = (
+    "-std=c++20 -O1 -fPIC -fno-exceptions -fno-rtti -fno-threadsafe-statics"
+    " -fvisibility=hidden -fno-gnu-unique -DKORVEL_UTILS_BUILD"
+).split()
+COMPILE_SECONDS = 180  # a change may make the compiler evaluate a loop that never ends
+
+_INCLUDE = re.compile(r'^#include\s+"([^"]+)"', re.MULTILINE)
+_SYSTEM_INCLUDE = re.compile(r"^#include\s+(<[^>]+>)", re.MULTILINE)
+
+# What a changed header is rebuilt into first: entries that use most of their subsystem.
+_TELLING = [
+    "identify/gpu_identity.cpp",
+    "identify/get_gpu_pixel_alignment.cpp",
+    "formats/isUBWCSupportedByGpu.cpp",
+    "align/compute_fmt_minimal_aligned_width_and_height.cpp",
+    "layout/multi_level_surface.cpp",
+    "layout/validate_resource_memory_layout_metadata.cpp",
+]
+
+
+class Refused(Exception):
+    """The compiler or the linker takes the change for a mistake."""
+
+
+class LibraryBuild:
+    """`root` is the tree, `folder` a folder of this build's own, `lib` holds the services library."""
+
+    def __init__(self, root, folder, lib):
+        self.root, self.folder, self.lib = Path(root), Path(folder), Path(lib)
+        self.sources = re.findall(
+            r"^\s+(\w+/\w+\.cpp)", (self.root / "cmake/library/CMakeLists.txt").read_text(), re.M
+        )
+        self.folder.mkdir(parents=True, exist_ok=True)
+        for part in SUBSYSTEMS + ["include"]:
+            shutil.copytree(self.root / part, self.tree / part, dirs_exist_ok=True)
+        self.files = sorted(
+            str(p.relative_to(self.tree))
+            for part in SUBSYSTEMS + ["include"]
+            for p in (self.tree / part).iterdir()
+            if p.suffix in (".h", ".cpp")
+        )
+        self.includes = {f: self._includes(f) for f in self.files}
+        self.prefix_of = None
+        self.originals = {}
+        (self.folder / "objects").mkdir(exist_ok=True)
+
+    @property
+    def tree(self):
+        return self.folder / "tree"
+
+    @property
+    def library(self):
+        return self.folder / "libkorvel_utils.so"
+
+    def text(self, file):
+        return (self.root / file).read_text()
+
+    def write(self, file, text):
+        (self.tree / file).write_text(text)
+
+    def _includes(self, file):
+        found = _INCLUDE.findall((self.tree / file).read_text())
+        return [i for i in found if (self.tree / i).exists()]
+
+    def reach(self, file):
+        """The file and all that it includes."""
+        seen, left = set(), [file]
+        while left:
+            f = left.pop()
+            if f not in seen:
+                seen.add(f)
+                left += self.includes[f]
+        return seen
+
+    def dependents(self, file):
+        """The sources that a change of the file is rebuilt into, telling ones first."""
+        found = [s for s in self.sources if file in self.reach(s)]
+        return sorted(found, key=lambda s: (_TELLING.index(s) if s in _TELLING else 99, s))
+
+    def compile(self, source, target):
+        prefix = ["-include", str(self.folder / "prefix.h")] if self.prefix_of else []
+        self._run(
+            ["g++", *FLAGS, *prefix, f"-I{self.tree}", f"-I{self.tree}/include", "-c"]
+            + [str(self.tree / source), "-o", str(target)]
+        )
+
+    def object(self, source):
+        return self.folder / "objects" / source.replace("/", "-").replace(".cpp", ".o")
+
+    def build_all(self):
+        for source in self.sources:
+            self.compile(source, self.object(source))
+        self.link({})
+
+    def link(self, changed):
+        """Links the library with `changed` objects, by source, in the place of its own."""
+        objects = list(changed.values())
+        objects += [self.object(s) for s in self.sources if s not in changed]
+        exports = self.root / "cmake/library/exports.map"
+        self._run(
+            ["gcc", "-shared", "-o", str(self.library), *map(str, objects)]
+            + [f"-Wl,--version-script={exports}", "-Wl,-z,defs", f"-L{self.lib}", "-lhxluser"]
+        )
+
+    def prepare(self, file):
+        """Compiles beforehand all headers that a change of the file cannot reach."""
+        self.prefix_of = None
+        self.originals = {}
+        headers = [f for f in self.files if f.endswith(".h") and file not in self.reach(f)]
+        system = sorted({i for f in self.files for i in _SYSTEM_INCLUDE.findall(self.text(f))})
+        lines = [f"#include {i}" for i in system if not i.startswith(("<intrin", "<windows"))]
+        lines += [f'#include "{h}"' for h in headers]
+        prefix = self.folder / "prefix.h"
+        prefix.write_text("\n".join(lines) + "\n")
+        gch = self.folder / "prefix.h.gch"
+        gch.unlink(missing_ok=True)
+        self._run(
+            ["g++", *FLAGS, "-x", "c++-header", f"-I{self.tree}", f"-I{self.tree}/include"]
+            + [str(prefix), "-o", str(gch)]
+        )
+        self.prefix_of = file
+
+    def original_object(self, source):
+        """The unchanged source, compiled exactly as a changed one is."""
+        if source not in self.originals:
+            file = self.prefix_of
+            changed = (self.tree / file).read_text()
+            target = self.folder / "objects" / ("original-" + source.replace("/", "-") + ".o")
+            self.write(file, self.text(file))
+            self.compile(source, target)
+            self.write(file, changed)
+            self.originals[source] = target.read_bytes()
+        return self.originals[source]
+
+    @staticmethod
+    def _run(command):
+        try:
+            done = subprocess.run(
+                command, stdout=subprocess.DEVNULL, stderr=subprocess.PIPE, timeout=COMPILE_SECONDS
+            )
+        except subprocess.TimeoutExpired as late:
+            raise Refused("the compiler does not end") from late
+        if done.returncode != 0:
+            raise Refused(done.stderr.decode(errors="replace")[-2000:])
