@@ -5,7 +5,7 @@
 function(korvel_count_branches target)
   if(KORVEL_COVERAGE)
     target_compile_options(
-      ${target} PRIVATE -fprofile-instr-generate -fcoverage-mapping
+      ${target} PRIVATE -fprofile-instr-generate -fcoverage-mapping -fprofile-update=atomic
                         "SHELL:-mllvm -runtime-counter-relocation")
     target_link_options(${target} PRIVATE -fprofile-instr-generate)
   endif()

@@ -21,38 +21,81 @@ using testing::IsEmpty;
 constexpr int kThreads = 16;
 constexpr int kLoads = 12;
 
+// One of every export that depends on the GPU.
 struct Answers {
   uint32_t pixel_alignment;
   uint32_t slice_pitch_alignment;
   uint32_t renderable;
   uint32_t sampleable;
   uint32_t compressed;
-  uint32_t padded_width;
-  uint32_t padded_height;
+  uint32_t padded_width, padded_height;
+  uint32_t minimal_width, minimal_height;
+  uint32_t fdm_width, fdm_height;
+  uint32_t aligned_row_bytes, minimal_row_bytes, rows;
+  uint32_t blocks_wide, blocks_high, block_bytes;
+  uint32_t basic_width, basic_height;
+  uint32_t surface_padding;
   LayoutMetadata blob;
+  MemoryLayout surface;
+  MemoryLayout chain;
 };
+constexpr int kEntries = 15;
+static_assert(kThreads >= kEntries, "each entry is some thread's first call");
 
 // Each thread starts with another entry: `shift` turns the order.
 Answers ask(const Library& library, int shift) {
-  Answers answers{};
-  const std::array<std::function<void()>, 7> questions = {
-      [&] { answers.pixel_alignment = library.get_gpu_pixel_alignment(); },
-      [&] { answers.slice_pitch_alignment = library.get_slice_pitch_alignment(1); },
-      [&] { answers.renderable = library.isFormatRenderableByGpu(28, 0); },
-      [&] { answers.sampleable = library.isFormatSampleableByGpu(28, 1, 0); },
-      [&] { answers.compressed = library.isUBWCSupportedByGpu(28); },
+  Answers a{};
+  a.surface.levels = 1;
+  a.chain.levels = 3;
+  const std::array<std::function<void()>, kEntries> questions = {
+      [&] { a.pixel_alignment = library.get_gpu_pixel_alignment(); },
+      [&] { a.slice_pitch_alignment = library.get_slice_pitch_alignment(1); },
+      [&] { a.renderable = library.isFormatRenderableByGpu(28, 0); },
+      [&] { a.sampleable = library.isFormatSampleableByGpu(28, 1, 0); },
+      [&] { a.compressed = library.isUBWCSupportedByGpu(28); },
       [&] {
-        library.compute_fmt_aligned_width_and_height(100, 30, 0, 28, 1, 1, 1, 512,
-                                                     &answers.padded_width, &answers.padded_height);
+        library.compute_fmt_aligned_width_and_height(100, 30, 0, 28, 1, 1, 1, 512, &a.padded_width,
+                                                     &a.padded_height);
       },
       [&] {
-        library.korvel_init_memory_layout(&answers.blob, 100, 30, 1, 28, 1, 1, LAYOUT_FLAG_UBWC, 1);
+        library.compute_fmt_minimal_aligned_width_and_height(100, 30, 0, 28, 1, 0, 0, 1, 512, 4, 1,
+                                                             &a.minimal_width, &a.minimal_height);
+      },
+      [&] {
+        library.compute_fmt_aligned_width_and_height_fdm(100, 30, 0, 28, 1, 1, 1, 512, 1, 1,
+                                                         &a.fdm_width, &a.fdm_height);
+      },
+      [&] {
+        uint32_t tiling_mode = 1;
+        const AlignInBytesParams params = {100, 30, 0, 28, 1, 1, 512, &tiling_mode};
+        const AlignInBytesResult result = {&a.aligned_row_bytes, &a.minimal_row_bytes, &a.rows};
+        library.compute_fmt_aligned_width_and_height_in_bytes(&params, &result);
+      },
+      [&] {
+        library.compute_compressedfmt_aligned_width_and_height(100, 30, 71, 0, 0, 0, &a.blocks_wide,
+                                                               &a.blocks_high, &a.block_bytes);
+      },
+      [&] {
+        library.compute_aligned_width_and_height(100, 30, 0, 0, 0, 0, &a.basic_width,
+                                                 &a.basic_height);
+      },
+      [&] { a.surface_padding = library.compute_surface_padding(100, 0, 1, 0, 0); },
+      [&] {
+        library.korvel_init_memory_layout(&a.blob, 100, 30, 1, 28, 1, 1, LAYOUT_FLAG_UBWC, 1);
+      },
+      [&] {
+        library.korvel_init_single_level_surface(&a.surface, 100, 30, 1, 28, 1, 1, LAYOUT_FLAG_UBWC,
+                                                 1);
+      },
+      [&] {
+        library.korvel_init_multi_level_surface(&a.chain, 100, 30, 1, 28, 1, 1, LAYOUT_FLAG_UBWC,
+                                                1);
       },
   };
   for (std::size_t i = 0; i < questions.size(); ++i) {
     questions[(i + static_cast<std::size_t>(shift)) % questions.size()]();
   }
-  return answers;
+  return a;
 }
 
 std::vector<Answers> race(const Gpu& gpu) {
@@ -70,7 +113,10 @@ std::vector<Answers> race(const Gpu& gpu) {
   return answers;
 }
 
-void expect_all_equal(const std::vector<Answers>& answers) {
+// To those of the first thread, and of a call that no other one meets.
+void expect_all_equal(const Gpu& gpu, const std::vector<Answers>& answers) {
+  const Answers alone = ask(gpu.library(), 0);
+  EXPECT_EQ(std::memcmp(&alone, &answers.front(), sizeof alone), 0);
   for (const Answers& answer : answers) {
     EXPECT_EQ(std::memcmp(&answer, &answers.front(), sizeof answer), 0);
   }
@@ -87,7 +133,7 @@ TEST(RacingFirstCalls, AllGetTheAnswersOfTheChip) {
     const harness::ChipData& chip = harness::full_chip(5 + static_cast<uint32_t>(load) % 3);
     Gpu gpu(chip.chip_id);
     const std::vector<Answers> answers = race(gpu);
-    expect_all_equal(answers);
+    expect_all_equal(gpu, answers);
     EXPECT_EQ(answers.front().pixel_alignment, 64U);
     EXPECT_EQ(answers.front().slice_pitch_alignment, 4096U);
     EXPECT_EQ(answers.front().renderable, 1U);
@@ -120,7 +166,7 @@ TEST(RacingFirstCalls, AllGetTheDefaultsOfAnUnknownChip) {
   for (int load = 0; load < kLoads; ++load) {
     Gpu gpu(harness::kUnknownChip);
     const std::vector<Answers> answers = race(gpu);
-    expect_all_equal(answers);
+    expect_all_equal(gpu, answers);
     EXPECT_EQ(answers.front().pixel_alignment, 1U);
     EXPECT_EQ(answers.front().padded_width, 100U);
     EXPECT_EQ(answers.front().padded_height, 30U);
@@ -129,10 +175,10 @@ TEST(RacingFirstCalls, AllGetTheDefaultsOfAnUnknownChip) {
 }
 
 TEST(RacingFirstCalls, EachTriesForItselfWhenTheLibraryDoesNotOpen) {
-  constexpr int kEntries = 7;
   Gpu gpu(harness::full_chip(6).chip_id, HXL_SIM_FAIL_LIBRARY_OPEN);
-  expect_all_equal(race(gpu));
+  const std::vector<Answers> answers = race(gpu);
   EXPECT_EQ(gpu.take_calls().size(), std::size_t{kThreads * kEntries});
+  expect_all_equal(gpu, answers);
   hxl_sim_set_failures(0);
   EXPECT_EQ(race(gpu).front().pixel_alignment, 64U);
 }

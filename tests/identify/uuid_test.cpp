@@ -221,6 +221,16 @@ TEST(UuidText, WithoutRoomFailsSilentlyAndWritesNothing) {
   EXPECT_THAT(gpu.take_messages(), IsEmpty());
 }
 
+TEST(UuidText, FailsWhenItCannotBePrinted) {
+  // Not a Gpu: that one takes the misuse for the library's own.
+  hxl_sim_reset();
+  harness::Library library = harness::load_library();
+  EXPECT_EQ(library.uuid_to_str(nullptr, 64, kDriverUuid.data(), 16), -1);
+  EXPECT_EQ(hxl_sim_misuse_count(), 1U);
+  harness::unload_library(library);
+  hxl_sim_reset();
+}
+
 TEST(UuidText, RefusesAnyOtherLengthOfTheUuid) {
   Gpu gpu(harness::kUnknownChip);
   struct Case {

@@ -11,6 +11,7 @@ FLAGS = (
     " -fvisibility=hidden -fno-gnu-unique -DKORVEL_UTILS_BUILD"
 ).split()
 COMPILE_SECONDS = 180  # a change may make the compiler evaluate a loop that never ends
+WORTH_PRECOMPILING = 5  # changes of one header
 
 _INCLUDE = re.compile(r'^#include\s+"([^"]+)"', re.MULTILINE)
 _SYSTEM_INCLUDE = re.compile(r"^#include\s+(<[^>]+>)", re.MULTILINE)
@@ -48,7 +49,8 @@ class LibraryBuild:
             if p.suffix in (".h", ".cpp")
         )
         self.includes = {f: self._includes(f) for f in self.files}
-        self.prefix_of = None
+        self.changed_file = None
+        self.prefix = ""  # what stands in the precompiled header
         self.originals = {}
         (self.folder / "objects").mkdir(exist_ok=True)
 
@@ -86,7 +88,7 @@ class LibraryBuild:
         return sorted(found, key=lambda s: (_TELLING.index(s) if s in _TELLING else 99, s))
 
     def compile(self, source, target):
-        prefix = ["-include", str(self.folder / "prefix.h")] if self.prefix_of else []
+        prefix = ["-include", str(self.folder / "prefix.h")] if self.prefix else []
         self._run(
             ["g++", *FLAGS, *prefix, f"-I{self.tree}", f"-I{self.tree}/include", "-c"]
             + [str(self.tree / source), "-o", str(target)]
@@ -110,28 +112,32 @@ class LibraryBuild:
             + [f"-Wl,--version-script={exports}", "-Wl,-z,defs", f"-L{self.lib}", "-lhxluser"]
         )
 
-    def prepare(self, file):
-        """Compiles beforehand all headers that a change of the file cannot reach."""
-        self.prefix_of = None
+    def prepare(self, file, changes):
+        """Before `changes` changes of the file: compiles all headers beforehand that they cannot
+        reach, when that pays."""
+        self.changed_file = file
         self.originals = {}
+        if changes < WORTH_PRECOMPILING and not file.endswith(".cpp"):
+            self.prefix = ""
+            return
         headers = [f for f in self.files if f.endswith(".h") and file not in self.reach(f)]
         system = sorted({i for f in self.files for i in _SYSTEM_INCLUDE.findall(self.text(f))})
-        lines = [f"#include {i}" for i in system if not i.startswith(("<intrin", "<windows"))]
-        lines += [f'#include "{h}"' for h in headers]
-        prefix = self.folder / "prefix.h"
-        prefix.write_text("\n".join(lines) + "\n")
-        gch = self.folder / "prefix.h.gch"
-        gch.unlink(missing_ok=True)
+        lines = [f"#include {i}" for i in system] + [f'#include "{h}"' for h in headers]
+        text = "\n".join(lines) + "\n"
+        if text == self.prefix:
+            return
+        self.prefix = text
+        header = self.folder / "prefix.h"
+        header.write_text(text)
         self._run(
             ["g++", *FLAGS, "-x", "c++-header", f"-I{self.tree}", f"-I{self.tree}/include"]
-            + [str(prefix), "-o", str(gch)]
+            + [str(header), "-o", str(header) + ".gch"]
         )
-        self.prefix_of = file
 
     def original_object(self, source):
         """The unchanged source, compiled exactly as a changed one is."""
         if source not in self.originals:
-            file = self.prefix_of
+            file = self.changed_file
             changed = (self.tree / file).read_text()
             target = self.folder / "objects" / ("original-" + source.replace("/", "-") + ".o")
             self.write(file, self.text(file))

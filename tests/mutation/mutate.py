@@ -128,7 +128,7 @@ class Run:
                 if not files:
                     return
                 file, changes = files.pop(0)
-            worker.build.prepare(file)
+            worker.build.prepare(file, len(changes))
             for change in changes:
                 outcome, by = worker.outcome(change)
                 with self.lock:
