@@ -34,9 +34,9 @@ constexpr AlignmentRequest stored_copy(const AlignmentRequest& request) {
           request.divisor,   {request.extra.width, request.extra.height}};
 }
 
-// A linear surface of the one format whose heights take whole 64 rows, and nothing else.
+// The one format whose linear heights take whole 64 rows. Asked about linear surfaces only.
 constexpr bool takes_64_rows(const AlignmentRequest& request) {
-  return request.format_id == kFormat64Rows && request.tiling_mode != KORVEL_TILING_TILED;
+  return request.format_id == kFormat64Rows;
 }
 
 constexpr bool is_tiled(const AlignmentRequest& request) {

@@ -41,9 +41,9 @@ constexpr void for_each_id(std::span<const IdRange> list, Visit visit) {
   }
 }
 
+// Of a list that is no table's row: it has no unused places.
 constexpr bool contains(std::span<const IdRange> list, FormatId format) {
   for (const IdRange& range : list) {
-    if (range.first == kFormatUnknown) return false;
     if (format >= range.first && format <= range.last) return true;
   }
   return false;
