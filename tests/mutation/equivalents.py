@@ -1,42 +1,55 @@
 """The checked-in list of changes that change nothing."""
 
 
+def _tidy(line):
+    return " ".join(line.split())
+
+
+def _fits(pattern, text):
+    """* in a pattern stands for any text."""
+    first, *rest = pattern.split("*")
+    if not rest:
+        return pattern == text
+    if not text.startswith(first) or not text.endswith(rest[-1]):
+        return False
+    at = len(first)
+    for piece in rest[:-1]:
+        at = text.find(piece, at)
+        if at < 0:
+            return False
+        at += len(piece)
+    return at <= len(text) - len(rest[-1])
+
+
 class Equivalents:
-    """An entry is a file, the line as it stands, the line as it becomes (or * for every change of
-    the line), and below them the reason. Matched by text: entries outlive moved lines."""
+    """A paragraph is a file, "- " the line as it stands, "+ " the lines that it may become, and the
+    reason, which is the last line. Matched by text: entries outlive moved lines."""
 
     def __init__(self, path):
-        self.entries = {}
-        block = []
-        for line in path.read_text().splitlines() + [""]:
-            if line.startswith("#"):
+        self.entries = []
+        for paragraph in path.read_text().split("\n\n"):
+            lines = [l for l in paragraph.splitlines() if l and not l.startswith("#")]
+            if not lines:
                 continue
-            if line.strip():
-                block.append(line)
-                continue
-            if block:
-                file, before, *afters_and_reason = block
-                *afters, reason = afters_and_reason
-                for after in afters:
-                    self.entries[(file.strip(), self._tidy(before), self._tidy(after))] = reason
-            block = []
-
-    @staticmethod
-    def _tidy(line):
-        return " ".join(line.removeprefix("-").removeprefix("+").split())
+            before = [_tidy(l[2:]) for l in lines if l.startswith("- ")]
+            afters = [_tidy(l[2:]) for l in lines if l.startswith("+ ")]
+            if len(before) < 1 or not afters or lines[-1][:2] in ("- ", "+ "):
+                raise ValueError(f"{path.name}: not an entry: {lines[0]}")
+            for line in before:
+                self.entries.append((lines[0].strip(), line, afters, lines[-1].strip()))
 
     def reason(self, change):
-        for after in (change.after, "*"):
-            found = self.entries.get((change.file, change.before, after))
-            if found:
-                return found
+        for file, before, afters, reason in self.entries:
+            if file == change.file and _fits(before, change.before):
+                if any(_fits(after, change.after) for after in afters):
+                    return reason
         return None
 
     def stale(self, build):
         """Entries whose line is not in their file any more."""
         stale = []
-        for file, before, _ in self.entries:
+        for file, before, _, _ in self.entries:
             lines = build.text(file).splitlines() if file in build.files else []
-            if before not in (" ".join(line.split()) for line in lines):
+            if not any(_fits(before, _tidy(line)) for line in lines):
                 stale.append(f"{file}: {before}")
-        return sorted(set(stale))
+        return stale

@@ -32,16 +32,19 @@ class Refused(Exception):
 
 
 class LibraryBuild:
-    """`root` is the tree, `folder` a folder of this build's own, `lib` holds the services library."""
+    """`root` is the tree, `folder` a folder of this build's own, `built` a build folder of the tree:
+    sources that a change does not reach are linked as they were built there."""
 
-    def __init__(self, root, folder, lib):
-        self.root, self.folder, self.lib = Path(root), Path(folder), Path(lib)
+    def __init__(self, root, folder, built):
+        self.root, self.folder, self.built = Path(root), Path(folder), Path(built)
+        self.lib = self.built / "lib"
         self.sources = re.findall(
             r"^\s+(\w+/\w+\.cpp)", (self.root / "cmake/library/CMakeLists.txt").read_text(), re.M
         )
-        self.folder.mkdir(parents=True, exist_ok=True)
+        shutil.rmtree(self.folder, ignore_errors=True)
         for part in SUBSYSTEMS + ["include"]:
-            shutil.copytree(self.root / part, self.tree / part, dirs_exist_ok=True)
+            for copy in (self.tree, self.pristine):
+                shutil.copytree(self.root / part, copy / part, dirs_exist_ok=True)
         self.files = sorted(
             str(p.relative_to(self.tree))
             for part in SUBSYSTEMS + ["include"]
@@ -59,11 +62,15 @@ class LibraryBuild:
         return self.folder / "tree"
 
     @property
+    def pristine(self):
+        return self.folder / "pristine"
+
+    @property
     def library(self):
         return self.folder / "libkorvel_utils.so"
 
     def text(self, file):
-        return (self.root / file).read_text()
+        return (self.pristine / file).read_text()
 
     def write(self, file, text):
         (self.tree / file).write_text(text)
@@ -95,12 +102,7 @@ class LibraryBuild:
         )
 
     def object(self, source):
-        return self.folder / "objects" / source.replace("/", "-").replace(".cpp", ".o")
-
-    def build_all(self):
-        for source in self.sources:
-            self.compile(source, self.object(source))
-        self.link({})
+        return self.built / "cmake/library/CMakeFiles/korvel_utils.dir/__/__" / (source + ".o")
 
     def link(self, changed):
         """Links the library with `changed` objects, by source, in the place of its own."""

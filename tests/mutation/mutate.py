@@ -45,18 +45,19 @@ def chosen_changes(arguments, build):
 
 
 class Worker:
-    def __init__(self, number, folder, lib, bin_folder, equivalents):
-        self.build = LibraryBuild(ROOT, folder / f"worker{number}", lib)
-        self.programs = TestPrograms(bin_folder, self.build.library)
+    def __init__(self, number, arguments, equivalents):
+        self.build = LibraryBuild(ROOT, arguments.work / f"worker{number}", arguments.build)
+        self.programs = TestPrograms(arguments.build / "bin", self.build.library)
         self.lookups = LookupsProgram(self.build)
         self.equivalents = equivalents
 
     def start(self):
-        """Builds the library as it stands, on which every test must pass."""
-        self.build.build_all()
+        """Every test must pass on the library as it stands. Returns how long each takes."""
+        self.build.link({})
         failed = self.programs.first_failure(self.programs.quick + self.programs.slow)
         if failed:
-            raise RuntimeError(f"{failed} fails on the library as it stands")
+            sys.exit(f"mutate: {failed} fails on the library as it stands")
+        return self.programs.seconds
 
     def outcome(self, change):
         """What became of one change, and what noticed it."""
@@ -116,7 +117,6 @@ class Run:
 
     def work(self, worker, files):
         try:
-            worker.start()
             self._work(worker, files)
         except Exception as error:  # a thread's own end would go unseen
             self.error = error
@@ -190,10 +190,10 @@ def main():
     arguments.build, arguments.work = arguments.build.resolve(), arguments.work.resolve()
 
     equivalents = Equivalents(Path(__file__).with_name("equivalents.txt"))
-    workers = [
-        Worker(n, arguments.work, arguments.build / "lib", arguments.build / "bin", equivalents)
-        for n in range(arguments.jobs)
-    ]
+    workers = [Worker(n, arguments, equivalents) for n in range(arguments.jobs)]
+    seconds = workers[0].start()
+    for worker in workers:
+        worker.programs.seconds.update(seconds)
     by_file, everything = chosen_changes(arguments, workers[0].build)
     run = Run(arguments)
     files = batches(by_file)
