@@ -1,15 +1,26 @@
 // The last step of every linear width: odd element sizes, then pitch padding.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
+#include <iterator>
 
 #include "align/alignment_request.h"
 #include "align/odd_element_width.h"
 #include "align/pitch_padding.h"
+#include "formats/format_traits.h"
 #include "identify/chip_row.h"
 #include "platform/rounding.h"
 
 namespace korvel {
+
+// Linear elements have one sample: every element size of the table has its class of pitches.
+static_assert(std::all_of(kFormatTraits.begin(), kFormatTraits.end(),
+                          [](const FormatTraits& format) {
+                            return std::all_of(
+                                std::begin(format.plane_bytes), std::end(format.plane_bytes),
+                                [](uint32_t bytes) { return bytes < 1U << kPitchClasses; });
+                          }));
 
 // `base_width` in elements of `bytes` bytes.
 constexpr uint32_t finish_linear_width(const ChipRow& chip, const AlignmentRequest& request,

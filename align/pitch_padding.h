@@ -73,11 +73,10 @@ constexpr uint32_t limit_pitch(const ChipRow& chip, uint32_t pitch) {
   return std::min(pitch, kPitchLimit);
 }
 
-// `bytes` an element, a power of two or 0; `width` in elements.
+// `bytes` an element, a power of two up to 16 or 0; `width` in elements.
 constexpr uint32_t pad_pitch(const ChipRow& chip, uint32_t width, uint32_t bytes,
                              uint32_t selector) {
-  // No class: elements of 0 bytes, or of more than 16.
-  if (bytes == 0 || bytes >= 1U << kPitchClasses) return width;
+  if (bytes == 0) return width;  // a plane that the format does not have
   const auto size_class = static_cast<uint32_t>(std::countr_zero(bytes));
   const auto& entries = kPitchPadTable[size_class][pitch_half(selector)];
   if (width > kLongestPaddedPitch && width % kLongestPaddedPitch == 0) {
