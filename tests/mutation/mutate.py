@@ -8,6 +8,7 @@ import sys
 import threading
 import time
 from collections import Counter, defaultdict
+from itertools import zip_longest
 from pathlib import Path
 
 from changes import changes_of
@@ -37,11 +38,20 @@ def chosen_changes(arguments, build):
     if not arguments.all:
         pick = random.Random(arguments.seed)
         rules = pick.sample(rules, min(len(rules), arguments.rules))
-        tables = pick.sample(tables, min(len(tables), arguments.tables))
+        tables = evenly(tables, arguments.tables, pick)
     by_file = defaultdict(list)
     for change in sorted(rules + tables, key=lambda c: (c.file, c.start, c.end, c.new)):
         by_file[change.file].append(change)
     return by_file, len(every)
+
+
+def evenly(changes, count, pick):
+    """As many of each file as of the others: the hardware data would take most of the sample."""
+    by_file = defaultdict(list)
+    for change in pick.sample(changes, len(changes)):
+        by_file[change.file].append(change)
+    rounds = [c for turn in zip_longest(*by_file.values()) for c in turn if c]
+    return rounds[:count]
 
 
 class Worker:
@@ -73,8 +83,8 @@ class Worker:
     def _outcome(self, change):
         sources = self.build.dependents(change.file)
         changed = {}
-        # A header goes into one telling source first: most changes are noticed there.
-        for group in (sources[:1], sources[1:]):
+        # A header goes into a few telling sources first: most changes are noticed there.
+        for group in (sources[:1], sources[1:5], sources[5:]):
             for source in group:
                 name = "changed-" + source.replace("/", "-") + ".o"
                 changed[source] = self.build.folder / "objects" / name
