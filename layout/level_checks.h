@@ -378,9 +378,7 @@ template <typename Kind>
     case 2:
       if (!is_plain(1)) return false;
       [[fallthrough]];
-    case 1:
-      if (!is_plain(0)) return false;
-      return true;
+    case 1: return is_plain(0);
     default: return false;
   }
 }
