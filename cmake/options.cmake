@@ -1,6 +1,6 @@
 option(KORVEL_TOOLS "Build korvel-layout" ON)
 option(KORVEL_TESTS "Build the tests" ON)
-option(KORVEL_BUNDLE_TOOL "Compile the tool's sources in bundles, which clang-tidy reads faster" OFF)
+option(KORVEL_BUNDLE_TOOL "Compile the tool's sources in two bundles" ON)
 option(KORVEL_BENCH "Build the benchmarks" ON)
 option(KORVEL_FUZZ "Build the fuzzers, which takes clang" OFF)
 set(KORVEL_SANITIZE "" CACHE STRING "Sanitizers to build everything with, as -fsanitize= takes them")

@@ -4,7 +4,7 @@
 #include <bit>
 
 #include "align/fdm_extent.h"
-#include "align/plane_alignment.h"
+#include "align/whole_tiles.h"
 #include "layout/surface_total.h"
 #include "platform/rounding.h"
 
@@ -63,17 +63,31 @@ struct ChainSize {
   uint64_t gathered_flags;
 };
 
-// Apart, so that whole tiles need few registers.
-[[gnu::noinline]] Extent level_image(const Surface& surface, LevelExtent elements, uint32_t p) {
-  return fdm_extent(surface.chip, elements.width, elements.height, surface.alignment, p);
+// Aligns the images of planes that whole tiles do not settle, and sizes their flag buffers. The
+// alignment may have messages: they come level by level, those of each level's planes in turn.
+[[gnu::noinline]] void size_levels(const Surface& surface, LevelExtent base, MemoryLayout& record) {
+  LevelExtent texels = first_level(base);
+  for (uint32_t l = 0; l < record.levels; ++l, texels = next_level(texels)) {
+    const LevelExtent elements = level_elements(surface, texels);
+    for (uint32_t p = 0; p < surface.planes; ++p) {
+      PlaneLayout& plane = record.level[l].plane[p];
+      const Extent image =
+          fdm_extent(surface.chip, elements.width, elements.height, surface.alignment, p);
+      plane.image_width = image.width;
+      plane.image_height = image.height;
+      if (surface.flag_buffers) {
+        size_flag_buffer(surface, base_flag_tiles(surface, base, p), l, plane);
+      }
+    }
+  }
 }
 
-// Sizes the images of one plane's levels and puts them one after another from 0 on; so it does with
-// their flag buffers. Every level's stored flag size counts in a gathered area, whether or not this
-// layout wrote it.
-ChainSize lay_out_chain(const Surface& surface, LevelExtent base, uint32_t p,
+// Puts the images of one plane's levels one after another from 0 on, and their flag buffers; those
+// of whole tiles are sized here. Every level's stored flag size counts in a gathered area, whether
+// or not this layout wrote it.
+ChainSize lay_out_chain(const Surface& surface, LevelExtent base, uint32_t p, bool whole_tiles,
                         FlagPlacement placement, MemoryLayout& record) {
-  const PlaneAlignment alignment = plane_alignment(surface.chip, surface.alignment, p);
+  const TileSize tile = whole_tiles ? plane_tile_family67(surface.alignment, p) : TileSize{};
   const uint32_t element = surface.element_size;
   const uint32_t levels = record.levels;
   LevelExtent texels = first_level(base);
@@ -82,10 +96,9 @@ ChainSize lay_out_chain(const Surface& surface, LevelExtent base, uint32_t p,
   for (uint32_t l = 0; l < levels; ++l, texels = next_level(texels)) {
     LevelLayout& level = record.level[l];
     PlaneLayout& plane = level.plane[p];
-    const Extent image = alignment.whole_tiles
-                             ? whole_tiles_extent(texels.width, texels.height, alignment.tile)
-                             : level_image(surface, level_elements(surface, texels), p);
-    if (surface.flag_buffers) {
+    const Extent image = whole_tiles ? whole_tiles_extent(texels.width, texels.height, tile)
+                                     : Extent{plane.image_width, plane.image_height};
+    if (surface.flag_buffers && whole_tiles) {
       if (l == 0) flag_tiles = base_flag_tiles(surface, base, p);
       size_flag_buffer(surface, flag_tiles, l, plane);
     }
@@ -154,9 +167,11 @@ void lay_out_multi_level_surface(const Surface& surface, LevelExtent size, Memor
       static_cast<int32_t>(round_up(static_cast<uint32_t>(size.width), kChainWidthStep)),
       size.height};
   const FlagPlacement placement = flag_placement(surface);
+  const bool whole_tiles = takes_whole_tiles(surface.chip, surface.alignment);
+  if (!whole_tiles) size_levels(surface, base, record);
   uint64_t end = 0;  // bytes of all slices so far
   for (uint32_t p = 0; p < surface.planes; ++p) {
-    const ChainSize bytes = lay_out_chain(surface, base, p, placement, record);
+    const ChainSize bytes = lay_out_chain(surface, base, p, whole_tiles, placement, record);
     const uint64_t flag_slice = round_up<uint64_t>(bytes.gathered_flags, chip.level_size_alignment);
     const uint64_t slice = round_up<uint64_t>(bytes.images, chip.base_alignment);
     end += times_depth(surface, flag_slice);

@@ -629,6 +629,20 @@ TEST(MultiLevel, AnUnknownChipIsReportedForEveryImage) {
   EXPECT_EQ(gpu.take_messages(), messages);
 }
 
+TEST(MultiLevel, MessagesComeLevelByLevel) {
+  harness::Gpu gpu(harness::kUnknownChip);
+  MemoryLayout record = record_of(2);
+  // BC1: 2^31 - 1 rows and the rest of a block wrap below 0; level 1 is half as high.
+  init(gpu, record, {.width = 64, .height = 0x7FFFFFFF, .format = 71, .planes = 2});
+  constexpr const char* kName = "compute_fmt_aligned_width_and_height_fdm";
+  const harness::Message wrapped =
+      message(kName, "Invalid width or height: W = 16, H = -536870911");
+  const harness::Message unknown = message(kName, "Unknown Chip ID 305419896");
+  std::vector<harness::Message> messages = harness::unknown_chip_messages(harness::kUnknownChip);
+  messages.insert(messages.end(), {wrapped, wrapped, unknown, unknown});
+  EXPECT_EQ(gpu.take_messages(), messages);
+}
+
 TEST(MultiLevelDeathTest, DivisionsBy0) {
   const uint32_t chip5 = harness::full_chip(5).chip_id;
   const uint32_t chip6 = harness::full_chip(6).chip_id;
