@@ -70,16 +70,20 @@ constexpr bool holds(Condition condition, const ChipRow& chip, Usage usage) {
 // Bit n of a mask stands for lists[n]. The sign bit is set for every format, and for a row without
 // a chip: what both masks have in common is then negative, and the predicate has more to do than to
 // look up.
-using ListMask = int32_t;
-inline constexpr std::size_t kMaxLists = 31;
+using ListMask = int16_t;
+inline constexpr std::size_t kMaxLists = 15;
 inline constexpr ListMask kNoChip = std::numeric_limits<ListMask>::min();
+
+constexpr ListMask list_bit(std::size_t n) {
+  return static_cast<ListMask>(1 << n);
+}
 
 constexpr ListMask lists_that_hold(std::span<const CapabilityList> lists, const ChipRow& chip,
                                    Usage usage) {
   ListMask mask = 0;
   for (std::size_t i = 0; i < lists.size(); ++i) {
     const bool yes = is_of(chip, lists[i].families) && holds(lists[i].condition, chip, usage);
-    mask |= ListMask{yes} << i;
+    if (yes) mask = static_cast<ListMask>(mask | list_bit(i));
   }
   return mask;
 }
@@ -101,7 +105,8 @@ constexpr CapabilityMasks capability_masks(std::span<const CapabilityList> lists
   CapabilityMasks masks{};
   for (FormatId id = 0; id < kFormatCount; ++id) masks[id] = kNoChip;
   for (std::size_t i = 0; i < lists.size(); ++i) {
-    for_each_id(lists[i].ids, [&](FormatId id) { masks[id] |= ListMask{1} << i; });
+    for_each_id(lists[i].ids,
+                [&](FormatId id) { masks[id] = static_cast<ListMask>(masks[id] | list_bit(i)); });
   }
   for (uint32_t row = 0; row < kChipRowCount; ++row) {
     for (const bool depth_stencil : {false, true}) {
@@ -117,7 +122,7 @@ constexpr CapabilityMasks capability_masks(std::span<const CapabilityList> lists
 // none, negative for a row without a chip. `format` is below kFormatCount.
 constexpr ListMask common_lists(const CapabilityMasks& masks, uint32_t row, uint32_t format,
                                 int32_t depth_stencil_use) {
-  return masks[chip_mask_index(row, depth_stencil_use)] & masks[format];
+  return static_cast<ListMask>(masks[chip_mask_index(row, depth_stencil_use)] & masks[format]);
 }
 
 // Every list is sorted, and no format stands in two lists of one family.

@@ -47,7 +47,9 @@ constexpr CapabilityMasks kMasks = capability_masks(kLists);
 constexpr ListMask kSingleSampledLists = [] {
   ListMask mask = 0;
   for (std::size_t i = 0; i < std::size(kLists); ++i) {
-    if (kLists[i].condition == Condition::colour_single_sampled) mask |= ListMask{1} << i;
+    if (kLists[i].condition == Condition::colour_single_sampled) {
+      mask = static_cast<ListMask>(mask | list_bit(i));
+    }
   }
   return mask;
 }();
