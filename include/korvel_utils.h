@@ -442,8 +442,8 @@ KORVEL_API uint32_t KORVEL_CALL compute_surface_padding(int32_t width, uint32_t 
  * @param format         any format number.
  * @param samples        samples an element.
  * @param tiling_mode    1 tiled, any other value linear.
- * @param selector       2 picks the second half of the pitch-padding table, any other value the
- * first.
+ * @param selector       2 picks the second way of padding pitches, any other value the first; both
+ * come to the same pitches.
  * @param min_padded_row_bytes  linear rows of at most this many bytes (signed) are not
  * pitch-padded.
  * @param out_width      receives the aligned width, elements.

@@ -14,10 +14,6 @@
 
 namespace korvel {
 
-// The half of the pitch-padding table. Tiled surfaces would take the other one, but only linear
-// rows are padded.
-inline constexpr uint32_t kSelectorLinear = 1;
-
 struct Surface {
   const ChipRow& chip;
   AlignmentRequest alignment;  // what its planes are aligned for
@@ -60,7 +56,6 @@ constexpr Surface describe_surface(const ChipRow& chip, const SurfaceRequest& re
               .format = format,
               .samples = request.samples,
               .tiling_mode = request.tiling_mode,
-              .selector = kSelectorLinear,
               .min_padded_row_bytes = min_padded_row_bytes,
               .divisor = divisor,
               .extra = extra_padding(chip, request.format_id, extended ? 1 : 0),
