@@ -19,6 +19,7 @@ struct AlignmentRequest {
   const FormatTraits& format;  // of format_id
   uint32_t samples;
   uint32_t tiling_mode;
+  uint32_t selector;             // of the way of padding pitches
   int32_t min_padded_row_bytes;  // rows of at most this many bytes are not padded
   uint32_t divisor;              // of the linear width's alignment in bytes
   Extent extra;                  // elements and rows added before the alignment
@@ -27,13 +28,10 @@ struct AlignmentRequest {
 // For a function that is not inlined. A copy made where it is called leaves the original in
 // registers everywhere else.
 constexpr AlignmentRequest stored_copy(const AlignmentRequest& request) {
-  return {request.format_id,
-          request.format,
-          request.samples,
-          request.tiling_mode,
-          request.min_padded_row_bytes,
-          request.divisor,
-          {request.extra.width, request.extra.height}};
+  return {request.format_id, request.format,
+          request.samples,   request.tiling_mode,
+          request.selector,  request.min_padded_row_bytes,
+          request.divisor,   {request.extra.width, request.extra.height}};
 }
 
 // The one format whose linear heights take whole 64 rows. Asked about linear surfaces only.

@@ -4,7 +4,7 @@
 
 void compute_fmt_aligned_width_and_height(int32_t width, int32_t height, uint32_t plane,
                                           uint32_t format, uint32_t samples, uint32_t tiling_mode,
-                                          uint32_t /*selector*/, int32_t min_padded_row_bytes,
+                                          uint32_t selector, int32_t min_padded_row_bytes,
                                           uint32_t* out_width, uint32_t* out_height) {
   const korvel::ChipRow& chip = korvel::identified_chip();
   const korvel::AlignmentRequest request = {
@@ -12,6 +12,7 @@ void compute_fmt_aligned_width_and_height(int32_t width, int32_t height, uint32_
       .format = korvel::format_traits(format),
       .samples = samples,
       .tiling_mode = tiling_mode,
+      .selector = selector,
       .min_padded_row_bytes = min_padded_row_bytes,
       .divisor = 1,
       .extra = {0, 0},

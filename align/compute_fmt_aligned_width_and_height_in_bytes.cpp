@@ -32,6 +32,7 @@ void compute_fmt_aligned_width_and_height_in_bytes(const AlignInBytesParams* par
       .format = format,
       .samples = params->samples,
       .tiling_mode = tiling_mode,
+      .selector = params->selector,
       .min_padded_row_bytes = params->min_padded_row_bytes,
       .divisor = korvel::plane_bytes(format, params->plane),
       .extra = {0, 0},

@@ -60,7 +60,7 @@ constexpr uint32_t align_height_family5(uint32_t height, const AlignmentRequest&
   return round_up(height, bytes > 1 ? 16U : 32U);
 }
 
-// Apart for the same reason as the linear rules of the other families.
+// Apart, so that the other families' tiled planes do not pay for its registers.
 [[gnu::noinline]] constexpr Extent align_family5(const ChipRow& chip, uint32_t width,
                                                  uint32_t height, const AlignmentRequest& request,
                                                  uint32_t plane) {

@@ -30,7 +30,7 @@ constexpr uint32_t finish_linear_width(const ChipRow& chip, const AlignmentReque
     return odd_element_width(base_width, bytes, request.format.substitute_bytes);
   }
   if (!exceeds_padding_threshold(request, base_width, bytes)) return base_width;
-  return pad_pitch(chip, base_width, bytes);
+  return pad_pitch(chip, base_width, bytes, request.selector);
 }
 
 }  // namespace korvel

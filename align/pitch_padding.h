@@ -26,31 +26,37 @@ constexpr uint32_t channel_period(uint32_t pitch, uint32_t bytes) {
   return kChannelSpanBytes / std::gcd(kChannelSpanBytes, remainder * bytes);
 }
 
+// The longest period that a selector accepts.
+constexpr uint32_t longest_period_rows(uint32_t selector) {
+  return selector == 2 ? 16 : 4;
+}
+
 // The rule: the first pitch, in steps, that comes back after 2 rows or more and no more than the
 // longest period; the pitch itself when there is none.
-constexpr uint32_t searched_pitch(uint32_t pitch, uint32_t bytes, uint32_t longest_period) {
+constexpr uint32_t searched_pitch(uint32_t pitch, uint32_t bytes, uint32_t selector) {
   const uint32_t step = kSearchStepBytes / bytes;
   for (uint32_t padded = pitch; padded - pitch <= kLongestPaddedPitch; padded += step) {
     const uint32_t period = channel_period(padded, bytes);
-    if (period != 1 && period <= longest_period) return padded;
+    if (period != 1 && period <= longest_period_rows(selector)) return padded;
   }
   return pitch;
 }
 
 // What the search comes to: only rows of whole channel spans find a longer pitch, one step away.
-constexpr uint32_t padded_pitch(uint32_t pitch, uint32_t size_class) {
+// The selector stays an argument: other spans or steps would bring it back.
+constexpr uint32_t padded_pitch(uint32_t pitch, uint32_t size_class,
+                                [[maybe_unused]] uint32_t selector) {
   const bool whole_spans = (pitch << size_class) % kChannelSpanBytes == 0;
   return whole_spans ? pitch + (kSearchStepBytes >> size_class) : pitch;
 }
 
-// So it does with either of the two longest periods that a caller may select, 4 and 16 rows: the
-// selector changes nothing.
+// So it does for either selector.
 static_assert([] {
   for (uint32_t size_class = 0; size_class < kPitchClasses; ++size_class) {
     for (uint32_t pitch = kPitchStep; pitch <= kLongestPaddedPitch; pitch += kPitchStep) {
-      for (const uint32_t longest_period : {4U, 16U}) {
-        const uint32_t searched = searched_pitch(pitch, 1U << size_class, longest_period);
-        if (padded_pitch(pitch, size_class) != searched) return false;
+      for (const uint32_t selector : {1U, 2U}) {
+        const uint32_t searched = searched_pitch(pitch, 1U << size_class, selector);
+        if (padded_pitch(pitch, size_class, selector) != searched) return false;
       }
     }
   }
@@ -67,12 +73,14 @@ constexpr uint32_t limit_pitch(const ChipRow& chip, uint32_t pitch) {
 }
 
 // `bytes` an element, a power of two up to 16 or 0; `width` in elements. Widths of whole longest
-// pitches, from the second on, are not padded.
-constexpr uint32_t pad_pitch(const ChipRow& chip, uint32_t width, uint32_t bytes) {
+// pitches are not padded, but for the longest pitch itself.
+constexpr uint32_t pad_pitch(const ChipRow& chip, uint32_t width, uint32_t bytes,
+                             uint32_t selector) {
   if (bytes == 0) return width;  // a plane that the format does not have
   const bool repeats = width % kLongestPaddedPitch == 0 && width != kLongestPaddedPitch;
   const auto size_class = static_cast<uint32_t>(std::countr_zero(bytes));
-  return limit_pitch(chip, repeats ? width : padded_pitch(round_up(width, kPitchStep), size_class));
+  const uint32_t pitch = round_up(width, kPitchStep);
+  return limit_pitch(chip, repeats ? width : padded_pitch(pitch, size_class, selector));
 }
 
 }  // namespace korvel

@@ -85,10 +85,9 @@ constexpr ChipRow resolved_row(const ChipData& chip) {
 }
 
 // What holds as long as the GPU is not identified, and for a chip that has no row.
-constexpr ChipRow default_row(uint32_t chip_id) {
+constexpr ChipRow default_row() {
   ChipRow row{};
   row.device_uuid = device_uuid_words(0, 0, 0);
-  row.chip_id = chip_id;
   row.properties = kDefaultProperties;
   return row;
 }
@@ -101,8 +100,8 @@ inline constexpr uint32_t kChipRowCount = kRowFirstChip + std::size(kChipData);
 
 inline constexpr auto kChipRows = [] {
   std::array<ChipRow, kChipRowCount> rows{};
-  rows[kRowNotIdentified] = default_row(kChipIdNotIdentified);
-  rows[kRowUnknownChip] = default_row(kChipIdQueryFailed);
+  rows[kRowNotIdentified] = default_row();
+  rows[kRowUnknownChip] = default_row();
   for (std::size_t i = 0; i < std::size(kChipData); ++i) {
     rows[kRowFirstChip + i] = resolved_row(kChipData[i]);
   }

@@ -16,7 +16,7 @@ namespace korvel {
 // stores.
 struct GpuIdentity {
   std::atomic<uint32_t> chip_id{kChipIdNotIdentified};  // 0 after a failed device query
-  std::atomic<uint32_t> row{kRowNotIdentified};  // leaves this value exactly when chip_id does
+  std::atomic<uint32_t> row{kRowNotIdentified};         // stored last
 };
 
 // Hidden at its declaration too, so that it is one load away and not two.

@@ -1,3 +1,4 @@
+/* clang-format off: the lists below are laid out by hand. */
 /*
  * korvel_utils: where every byte of a surface lies in GPU memory.
  *
@@ -29,8 +30,8 @@
  * Messages
  *   Every diagnostic goes to the services library's os_alog with level 1, the tag "Korvel-UNKNOWN",
  *   0, the source line, the name of the reporting function, a printf format and its arguments.
- * Where an entry below lists messages, its own name is the reporting function unless another is
- * named.
+ *   Where an entry below lists messages, its own name is the reporting function unless another is
+ *   named.
  *
  * Threads
  *   Every entry may be called from any thread at any time. The library takes no lock: first calls
@@ -41,6 +42,7 @@
  *   A division by 0 (each entry says where one can happen) is the platform's fatal
  *   integer-divide-by-zero fault on every target. It is never a silent number.
  */
+/* clang-format on */
 #ifndef KORVEL_UTILS_H
 #define KORVEL_UTILS_H
 
@@ -76,8 +78,7 @@ extern "C" {
 
 /** Result of a call that can fail: success. */
 #define KORVEL_SUCCESS UINT32_C(0)
-/** Result of a call that can fail: failure, after exactly one message unless the entry says else.
- */
+/** Result of a call that can fail: failure, after one message unless the entry says else. */
 #define KORVEL_FAILURE UINT32_C(0xFFFFFFFF)
 
 /** Tiling modes. */
@@ -393,10 +394,14 @@ KORVEL_API uint32_t KORVEL_CALL isUBWCSupportedByGpu(uint32_t format);
  * @param bpp             receives bytes a block, 8 or 16.
  *
  * Messages, the first that applies:
- *   "Invalid texel width or texel height: W = %d, H = %d"  all three outputs become 1; they are
- * stored without a look at the pointers. "Not a compressed format 0x%x"  nothing is written.
- *   "Invalid input pointers, aligned_width=0x%x, aligned_height=0x%08x, bpp=0x%08x "  an output
- *       pointer is null (low 32 bits of the three are printed); nothing is written.
+ *   "Invalid texel width or texel height: W = %d, H = %d"
+ *       All three outputs become 1; they are stored without a look at the pointers.
+ *
+ *   "Not a compressed format 0x%x"
+ *       Nothing is written.
+ *
+ *   "Invalid input pointers, aligned_width=0x%x, aligned_height=0x%08x, bpp=0x%08x "
+ *       An output pointer is null (low 32 bits of the three are printed); nothing is written.
  */
 KORVEL_API void KORVEL_CALL compute_compressedfmt_aligned_width_and_height(
     int32_t texel_width, int32_t texel_height, uint32_t format, uint64_t ignored_1,
@@ -467,6 +472,9 @@ KORVEL_API void KORVEL_CALL compute_fmt_aligned_width_and_height(
  * @param divisor             divides the linear width's alignment, which is in bytes, so that an
  * element size here gives elements; 0 faults where the divisor is used.
  * @param want_extra_padding  non-zero adds the chip's extra padding (families 6 and 7).
+ *
+ * Faults: as that entry; on family 5 also a linear block format, or one of 107, 614 and 654-656,
+ * with 0 samples and tiling_allowed 0.
  */
 KORVEL_API void KORVEL_CALL compute_fmt_minimal_aligned_width_and_height(
     int32_t width, int32_t height, uint32_t plane, uint32_t format, uint32_t samples,
@@ -489,7 +497,7 @@ KORVEL_API void KORVEL_CALL compute_fmt_aligned_width_and_height_in_bytes(
 /**
  * GPU. compute_fmt_aligned_width_and_height() with, on families 6 and 7, the divisor and the extra
  * padding of the minimal entry. Family 5 ignores both. The layout entries align their planes with
- * it.
+ * it. A divisor of 0 faults for a linear plane on families 6 and 7.
  */
 KORVEL_API void KORVEL_CALL compute_fmt_aligned_width_and_height_fdm(
     int32_t width, int32_t height, uint32_t plane, uint32_t format, uint32_t samples,
@@ -566,7 +574,8 @@ KORVEL_API uint32_t KORVEL_CALL korvel_init_memory_layout(void* blob, int32_t wi
  * korvel_init_memory_layout() leaves.
  *
  * Faults: as korvel_init_memory_layout(); with samples other than 1, 2, 4 and 8 also a flag buffer
- * on families 6 and 7. An element size times samples that wraps to 0 counts as 0 samples.
+ * on families 6 and 7, but for the video formats, whose sample tile goes by the format alone. An
+ * element size times samples that wraps to 0 counts as 0 samples.
  */
 KORVEL_API void KORVEL_CALL korvel_init_single_level_surface(MemoryLayout* record, int32_t width,
                                                              int32_t height, int32_t depth,
@@ -616,7 +625,7 @@ KORVEL_API void KORVEL_CALL korvel_init_multi_level_surface(MemoryLayout* record
  * @return 0 when valid, 0xFFFFFFFF after the message of the first failed check.
  *
  * The surface size is the low 32 bits of total_size - size, sign-extended: from 2^31 bytes on the
- * bounds always pass. This is a fixed property of the format.
+ * bounds refuse next to nothing. This is a fixed property of the format.
  */
 KORVEL_API uint32_t KORVEL_CALL validate_resource_memory_layout_metadata(
     const void* record, const uint8_t* device_uuid, const uint8_t* driver_uuid);

@@ -393,7 +393,7 @@ template <typename Kind>
          planes_are_plain<Kind>(level, slices, tiled, surface_size);
 }
 
-// The same for a level without low-resolution depth that is like the level before it.
+// The same for a level without low-resolution depth, tiled as `tiled` says.
 template <typename Kind>
 [[gnu::always_inline]] inline bool level_is_plain(const unsigned char* level, uint32_t tiled,
                                                   const CheckedHeader& header) {

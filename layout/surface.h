@@ -14,6 +14,9 @@
 
 namespace korvel {
 
+// Tiled surfaces would take another one, but only linear rows are padded.
+inline constexpr uint32_t kSelectorLinear = 1;
+
 struct Surface {
   const ChipRow& chip;
   AlignmentRequest alignment;  // what its planes are aligned for
@@ -56,6 +59,7 @@ constexpr Surface describe_surface(const ChipRow& chip, const SurfaceRequest& re
               .format = format,
               .samples = request.samples,
               .tiling_mode = request.tiling_mode,
+              .selector = kSelectorLinear,
               .min_padded_row_bytes = min_padded_row_bytes,
               .divisor = divisor,
               .extra = extra_padding(chip, request.format_id, extended ? 1 : 0),

@@ -77,6 +77,24 @@ TEST(ValidateResource, LayoutVersionsAndSizes) {
   }
 }
 
+TEST(ValidateResource, NothingIsReadBehindTheLastLevel) {
+  harness::Gpu gpu(harness::kUnknownChip);
+  for (const uint32_t tiled : {0U, 1U}) {
+    R record = valid<Resource>();
+    put_words(record.driver_uuid, 4, 1, 1, 0);
+    record.size = 5472;  // the first version ends with its fifteenth level
+    record.total_size = 5472 + kSurface;
+    record.levels = 15;
+    for (LevelLayout& level : record.level) {
+      put_valid_level(level, 3);
+      level.tiled = tiled;
+      remove_lrz(level);
+      if (tiled == 0) remove_flags(level);
+    }
+    EXPECT_EQ(verdict<Resource>(gpu, record, 5472), "") << tiled;
+  }
+}
+
 TEST(ValidateResource, TheSurfaceSizeIsCountedFromTheVersionsOwnSize) {
   struct Row {
     uint32_t version;
