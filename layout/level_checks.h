@@ -360,7 +360,7 @@ template <typename Kind>
   if (exceeds_surface(flag, slices, surface_size)) return false;
   if (!is_counted(KORVEL_WORD(plane, Plane, flag_pitch), flag.slice_pitch)) return false;
   if (flag.size > flag.slice_pitch) return false;
-  return true;
+  return true;  // plain, with flags
 }
 
 template <typename Kind>
