@@ -165,6 +165,15 @@ TYPED_TEST(Validators, LevelWords) {
        "Metadata level tiled is invalid value {level 1, tiled 2}"},
       {"tiled", [](R& r) { r.level[0].tiled = 0xFFFFFFFF; },
        "Metadata level tiled is invalid value {level 0, tiled 4294967295}"},
+      {"tiled",
+       [](R& r) {  // with nothing else to complain of
+         for (uint32_t l = 0; l < r.levels; ++l) {
+           remove_lrz(r.level[l]);
+           remove_flags(r.level[l]);
+           r.level[l].tiled = 2;
+         }
+       },
+       "Metadata level tiled is invalid value {level 0, tiled 2}"},
 
       {"planes", [](R& r) { r.level[1].planes = 0; },
        "Metadata level planes is invalid value {level 1, planes 0}"},
