@@ -44,5 +44,7 @@ static_assert([] {
 constexpr bool ubwc_supported(const ChipRow& chip, FormatId format) {
   return format < kFormatCount && (chip.ubwc & kUbwcGroupOf[format]) != 0;
 }
+// Nothing is looked up beyond the table: the compiler would see it.
+static_assert(!ubwc_supported(kChipRows[kRowFirstChip], kFormatCount));
 
 }  // namespace korvel
