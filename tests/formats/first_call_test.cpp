@@ -1,4 +1,5 @@
-// A predicate may be the first call of all: it identifies the GPU whatever format it is asked about.
+// A predicate may be the first call of all: it identifies the GPU whatever format it is asked
+// about.
 
 #include <gmock/gmock.h>
 
