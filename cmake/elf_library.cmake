@@ -1,6 +1,6 @@
 # How korvel_utils is linked on ELF systems.
 
-set(export_list ${PROJECT_SOURCE_DIR}/cmake/library/exports.map)
+set(export_list ${PROJECT_SOURCE_DIR}/src/exports.map)
 
 set_target_properties(
   korvel_utils

@@ -1,6 +1,6 @@
 # How korvel_utils is compiled and linked for Windows, and why each switch is there.
 
-target_sources(korvel_utils PRIVATE ${PROJECT_SOURCE_DIR}/platform/windows/load_configuration.S)
+target_sources(korvel_utils PRIVATE ${PROJECT_SOURCE_DIR}/src/platform/windows/load_configuration.S)
 
 target_compile_options(
   korvel_utils

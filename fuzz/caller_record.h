@@ -4,10 +4,10 @@
 
 #include <cstdint>
 
+#include <korvel_utils.h>
 #include "fuzz/input_bytes.h"
 #include "fuzz/machine.h"
 #include "fuzz/surface_arguments.h"
-#include "include/korvel_utils.h"
 
 namespace fuzz {
 

@@ -4,8 +4,8 @@
 
 #include <cstdint>
 
+#include <korvel_utils.h>
 #include "fuzz/input_bytes.h"
-#include "include/korvel_utils.h"
 
 namespace fuzz {
 

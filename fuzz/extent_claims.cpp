@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <bit>
 
+#include <korvel_utils.h>
 #include "fuzz/broken_property.h"
-#include "include/korvel_utils.h"
 #include "tests/reference/rules.h"
 
 namespace fuzz {

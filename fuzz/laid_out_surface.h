@@ -4,9 +4,9 @@
 
 #include <cstdint>
 
+#include <korvel_utils.h>
 #include "fuzz/machine.h"
 #include "fuzz/surface_arguments.h"
-#include "include/korvel_utils.h"
 
 namespace fuzz {
 

@@ -6,8 +6,8 @@
 #include <cstdint>
 #include <span>
 
+#include <korvel_utils.h>
 #include "fuzz/machine.h"
-#include "include/korvel_utils.h"
 
 namespace fuzz {
 

@@ -5,10 +5,10 @@
 #include <optional>
 #include <string>
 
+#include <korvel_utils.h>
 #include "fuzz/broken_property.h"
 #include "fuzz/captured_output.h"
 #include "fuzz/stored_input_file.h"
-#include "include/korvel_utils.h"
 #include "simulator/hxl_sim.h"
 #include "tools/bad_input.h"
 #include "tools/exit_codes.h"

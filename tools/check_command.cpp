@@ -6,7 +6,7 @@
 #include <array>
 #include <cstring>
 
-#include "korvel_utils.h"
+#include <korvel_utils.h>
 #include "tools/bad_input.h"
 #include "tools/exit_codes.h"
 #include "tools/library_messages.h"

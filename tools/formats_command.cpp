@@ -6,9 +6,9 @@
 #include <array>
 #include <nlohmann/json.hpp>
 
+#include <korvel_utils.h>
 #include "formats/block_dims.h"
 #include "formats/format_table.h"
-#include "korvel_utils.h"
 #include "tools/exit_codes.h"
 #include "tools/format_flags.h"
 #include "tools/format_names.h"

@@ -3,7 +3,7 @@
 
 #include <nlohmann/json.hpp>
 
-#include "korvel_utils.h"
+#include <korvel_utils.h>
 #include "tools/simulated_chip.h"
 #include "tools/surface_request.h"
 

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <span>
 
-#include "korvel_utils.h"
+#include <korvel_utils.h>
 
 namespace tool {
 

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "korvel_utils.h"
+#include <korvel_utils.h>
 
 namespace tool {
 

@@ -1,7 +1,7 @@
 // Surfaces laid out by the library itself.
 #pragma once
 
-#include "korvel_utils.h"
+#include <korvel_utils.h>
 #include "tools/simulated_chip.h"
 #include "tools/surface_request.h"
 

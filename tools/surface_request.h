@@ -5,7 +5,7 @@
 #include <optional>
 #include <string>
 
-#include "korvel_utils.h"
+#include <korvel_utils.h>
 #include "tools/surface_size.h"
 
 namespace tool {

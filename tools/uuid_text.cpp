@@ -5,9 +5,9 @@
 #include <array>
 #include <cstring>
 
+#include <korvel_utils.h>
 #include "identify/hardware_data.h"
 #include "identify/uuid.h"
-#include "korvel_utils.h"
 
 namespace tool {
 namespace {

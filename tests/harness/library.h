@@ -9,7 +9,7 @@
 
 #include <memory>
 
-#include "include/korvel_utils.h"
+#include <korvel_utils.h>
 #include "tests/harness/exports.h"
 
 namespace harness {

@@ -14,6 +14,7 @@ COMPILE_SECONDS = 180  # a change may make the compiler evaluate a loop that nev
 WORTH_PRECOMPILING = 5  # changes of one header
 
 _INCLUDE = re.compile(r'^#include\s+"([^"]+)"', re.MULTILINE)
+PUBLIC_HEADER = "#include <korvel_utils.h>"
 _SYSTEM_INCLUDE = re.compile(r"^#include\s+(<[^>]+>)", re.MULTILINE)
 
 # What a changed header is rebuilt into first: entries that use most of their subsystem.
@@ -39,12 +40,13 @@ class LibraryBuild:
         self.root, self.folder, self.built = Path(root), Path(folder), Path(built)
         self.lib = self.built / "lib"
         self.sources = re.findall(
-            r"^\s+(\w+/\w+\.cpp)", (self.root / "cmake/library/CMakeLists.txt").read_text(), re.M
+            r"^\s+(\w+/\w+\.cpp)", (self.root / "src/CMakeLists.txt").read_text(), re.M
         )
         shutil.rmtree(self.folder, ignore_errors=True)
         for part in SUBSYSTEMS + ["include"]:
+            source = self.root / part if part == "include" else self.root / "src" / part
             for copy in (self.tree, self.pristine):
-                shutil.copytree(self.root / part, copy / part, dirs_exist_ok=True)
+                shutil.copytree(source, copy / part, dirs_exist_ok=True)
         self.files = sorted(
             str(p.relative_to(self.tree))
             for part in SUBSYSTEMS + ["include"]
@@ -76,7 +78,9 @@ class LibraryBuild:
         (self.tree / file).write_text(text)
 
     def _includes(self, file):
-        found = _INCLUDE.findall((self.tree / file).read_text())
+        text = (self.tree / file).read_text()
+        found = _INCLUDE.findall(text)
+        found += ["include/korvel_utils.h"] if PUBLIC_HEADER in text else []
         return [i for i in found if (self.tree / i).exists()]
 
     def reach(self, file):
@@ -102,13 +106,13 @@ class LibraryBuild:
         )
 
     def object(self, source):
-        return self.built / "cmake/library/CMakeFiles/korvel_utils.dir/__/__" / (source + ".o")
+        return self.built / "src/CMakeFiles/korvel_utils.dir" / (source + ".o")
 
     def link(self, changed):
         """Links the library with `changed` objects, by source, in the place of its own."""
         objects = list(changed.values())
         objects += [self.object(s) for s in self.sources if s not in changed]
-        exports = self.root / "cmake/library/exports.map"
+        exports = self.root / "src/exports.map"
         self._run(
             ["gcc", "-shared", "-o", str(self.library), *map(str, objects)]
             + [f"-Wl,--version-script={exports}", "-Wl,-z,defs", f"-L{self.lib}", "-lhxluser"]
@@ -124,6 +128,7 @@ class LibraryBuild:
             return
         headers = [f for f in self.files if f.endswith(".h") and file not in self.reach(f)]
         system = sorted({i for f in self.files for i in _SYSTEM_INCLUDE.findall(self.text(f))})
+        system.remove("<korvel_utils.h>")
         lines = [f"#include {i}" for i in system] + [f'#include "{h}"' for h in headers]
         text = "\n".join(lines) + "\n"
         if text == self.prefix:

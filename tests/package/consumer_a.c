@@ -1,8 +1,8 @@
 /* A program in C, of two translation units that both include the library's header. */
 #include <stdio.h>
 
+#include <korvel_utils.h>
 #include "consumer_b.h"
-#include "korvel_utils.h"
 
 int main(void) {
   uint8_t uuid[KORVEL_UUID_BYTES];

@@ -1,6 +1,6 @@
 #include "consumer_b.h"
 
-#include "korvel_utils.h"
+#include <korvel_utils.h>
 
 static LayoutMetadata blob;
 

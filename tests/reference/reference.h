@@ -14,7 +14,7 @@
 #include <string>
 #include <vector>
 
-#include "korvel_utils.h"
+#include <korvel_utils.h>
 
 namespace reference {
 

@@ -5,7 +5,7 @@
 #include <cstring>
 #include <filesystem>
 
-#include "include/korvel_utils.h"
+#include <korvel_utils.h>
 #include "tests/tools/run_tool.h"
 #include "tests/tools/scratch_folder.h"
 

@@ -4,7 +4,7 @@
 #include <cstring>
 #include <string>
 
-#include "include/korvel_utils.h"
+#include <korvel_utils.h>
 #include "tests/harness/chips.h"
 #include "tests/tools/run_tool.h"
 #include "tests/tools/scratch_folder.h"

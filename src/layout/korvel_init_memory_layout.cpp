@@ -1,0 +1,77 @@
+#include <korvel_utils.h>
+#include "formats/format_traits.h"
+#include "identify/gpu_identity.h"
+#include "identify/uuid.h"
+#include "layout/record_limits.h"
+#include "layout/single_level_surface.h"
+#include "layout/validate_memory_layout_input_params.h"
+#include "platform/log.h"
+#include "platform/rounding.h"
+
+namespace korvel {
+namespace {
+
+constexpr const char* kName = "korvel_init_memory_layout";
+
+constexpr MetadataHeader kHeader = {
+    .magic = KORVEL_HEADER_MAGIC,
+    .header_version = KORVEL_HEADER_VERSION,
+    .blob_size = KORVEL_BLOB_BYTES,
+    .record_kind = KORVEL_HEADER_RECORD_KIND,
+    .record_offset = offsetof(LayoutMetadata, layout),
+    .record_size = sizeof(MemoryLayout),
+};
+
+// A row of one element is counted in bits and back, which drops the upper three bits of its bytes.
+constexpr uint32_t kRowBytesMask = 0x1FFFFFFF;
+
+constexpr uint32_t surface_alignment(const ChipRow& chip, const FormatTraits& format,
+                                     uint32_t samples, uint32_t tiling_mode) {
+  switch (tiling_mode) {
+    case KORVEL_TILING_TILED: return chip.properties.tiled_alignment;
+    case KORVEL_TILING_LINEAR:
+      return round_up<uint32_t>(format.substitute_bytes * samples & kRowBytesMask,
+                                chip.properties.pixel_alignment);
+    default: return 0;
+  }
+}
+
+void write_header(const ChipRow& chip, uint32_t format, uint32_t samples,
+                  LayoutMetadata& metadata) {
+  metadata.header = kHeader;
+  MemoryLayout& record = metadata.layout;
+  record.signature = KORVEL_LAYOUT_SIGNATURE;
+  record.size = sizeof(MemoryLayout);
+  store_uuid(record.device_uuid, chip.device_uuid);
+  store_uuid(record.driver_uuid, kDriverUuid);
+  record.format = format;
+  record.samples = samples;
+  record.linear_fallback = 0;
+  record.levels = 1;
+}
+
+}  // namespace
+}  // namespace korvel
+
+uint32_t korvel_init_memory_layout(void* blob, int32_t width, int32_t height, int32_t depth,
+                                   uint32_t format, uint32_t samples, uint32_t tiling_mode,
+                                   uint64_t flags, uint32_t planes) {
+  const korvel::ChipRow& chip = korvel::identified_chip();
+  if (korvel::validate_memory_layout_input_params(width, height, depth, format, samples,
+                                                  tiling_mode) != KORVEL_SUCCESS ||
+      !korvel::planes_fit(korvel::kName, planes)) {
+    KORVEL_LOG(korvel::kName, "Memory Layout input parameter validation failed!");
+    return KORVEL_FAILURE;
+  }
+  if (blob == nullptr) return KORVEL_FAILURE;
+
+  auto& metadata = *static_cast<LayoutMetadata*>(blob);
+  const korvel::FormatTraits& traits = korvel::kFormatTraits[format];
+  korvel::write_header(chip, format, samples, metadata);
+  metadata.layout.alignment = korvel::surface_alignment(chip, traits, samples, tiling_mode);
+  // Depth/stencil formats have passed the check as tiled ones: the mode asked for is the mode laid
+  // out.
+  korvel::lay_out_single_level_surface(chip, {format, depth, samples, tiling_mode, flags, planes},
+                                       traits, {width, height}, 1, metadata.layout);
+  return KORVEL_SUCCESS;
+}

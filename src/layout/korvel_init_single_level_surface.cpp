@@ -1,0 +1,15 @@
+#include <korvel_utils.h>
+#include "identify/gpu_identity.h"
+#include "layout/record_limits.h"
+#include "layout/single_level_surface.h"
+
+void korvel_init_single_level_surface(MemoryLayout* record, int32_t width, int32_t height,
+                                      int32_t depth, uint32_t format, uint32_t samples,
+                                      uint32_t tiling_mode, uint64_t flags, uint32_t planes) {
+  constexpr const char* kName = "korvel_init_single_level_surface";
+  const korvel::ChipRow& chip = korvel::identified_chip();
+  if (!korvel::levels_fit(kName, record->levels) || !korvel::planes_fit(kName, planes)) return;
+  korvel::lay_out_single_level_surface(chip, {format, depth, samples, tiling_mode, flags, planes},
+                                       korvel::format_traits(format), {width, height},
+                                       record->levels, *record);
+}

@@ -1,0 +1,86 @@
+#include <cstddef>
+
+#include <korvel_utils.h>
+#include "layout/level_checks.h"
+#include "layout/record_header_checks.h"
+
+namespace korvel {
+namespace {
+
+constexpr const char* kName = SurfaceMetadataKind::kValidator;
+
+// Not the word that the layout record's validator compares.
+constexpr std::size_t kDriverSignatureWord = 0;
+
+// Who wrote the record, and that it is one.
+bool identity_passes(const unsigned char* record, const uint8_t* device_uuid,
+                     const uint8_t* driver_uuid) {
+  const auto signature = KORVEL_WORD(record, SurfaceMetadata, signature);
+  if (signature != KORVEL_SURFACE_SIGNATURE) {
+    KORVEL_LOG(kName, "Metadata has bad signature %u", signature);
+    return false;
+  }
+  const auto size = KORVEL_WORD(record, SurfaceMetadata, size);
+  if (size != KORVEL_SURFACE_BYTES) {
+    KORVEL_LOG(kName, "Size of metadata is mismatched {stored size %u, struct size %u}", size,
+               uint32_t{KORVEL_SURFACE_BYTES});
+    return false;
+  }
+  const unsigned char* stored_device = record + offsetof(SurfaceMetadata, device_uuid);
+  if (!uuids_equal(stored_device, device_uuid)) {
+    const UuidTexts texts = uuid_texts(stored_device, device_uuid);
+    KORVEL_LOG(kName, "Metadata device version mismatch {store uuid %s, struct uuid %s}",
+               texts.stored, texts.callers);
+    return false;
+  }
+  const unsigned char* stored_driver = record + offsetof(SurfaceMetadata, driver_uuid);
+  if (uuid_word(stored_driver, kDriverSignatureWord) !=
+      uuid_word(driver_uuid, kDriverSignatureWord)) {
+    const UuidTexts texts = uuid_texts(stored_driver, driver_uuid);
+    KORVEL_LOG(kName, "Metadata driver version mismatch {store uuid %s, struct uuid %s}",
+               texts.stored, texts.callers);
+    return false;
+  }
+  return true;
+}
+
+bool header_passes(const unsigned char* record, CheckedHeader& header) {
+  const auto guid = KORVEL_WORD(record, SurfaceMetadata, guid);
+  if (guid == 0) {
+    KORVEL_LOG(kName, "Metadata guid has invalid value %u", 0U);
+    return false;
+  }
+  const auto alignment = KORVEL_WORD(record, SurfaceMetadata, alignment);
+  if (!is_alignment(alignment)) {
+    KORVEL_LOG(kName, "Metadata alignment is not pot %u", alignment);
+    return false;
+  }
+  const auto total_size = KORVEL_WORD(record, SurfaceMetadata, total_size);
+  const uint64_t surface_size = total_size - KORVEL_SURFACE_BYTES;
+  if (total_size == 0 || (surface_size & (alignment - 1)) != 0) {
+    KORVEL_LOG(kName, "Metadata surface size is not aligned {size %llu, alignment %u}",
+               llu(total_size), alignment);
+    return false;
+  }
+  header = {
+      .total_size = total_size,
+      .surface_size = surface_size,
+      .linear_fallback = KORVEL_WORD(record, SurfaceMetadata, linear_fallback),
+      .levels = KORVEL_WORD(record, SurfaceMetadata, levels),
+  };
+  return shape_passes(kName, KORVEL_WORD(record, SurfaceMetadata, samples), header.levels,
+                      KORVEL_WORD(record, SurfaceMetadata, format));
+}
+
+}  // namespace
+}  // namespace korvel
+
+uint32_t validate_surface_metadata(const void* record, const uint8_t* device_uuid,
+                                   const uint8_t* driver_uuid) {
+  const auto* bytes = static_cast<const unsigned char*>(record);
+  korvel::CheckedHeader header;
+  const bool valid = korvel::identity_passes(bytes, device_uuid, driver_uuid) &&
+                     korvel::header_passes(bytes, header) &&
+                     korvel::levels_pass<korvel::SurfaceMetadataKind>(bytes, header);
+  return valid ? KORVEL_SUCCESS : KORVEL_FAILURE;
+}
