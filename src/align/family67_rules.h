@@ -20,26 +20,28 @@ constexpr TileSize plane_tile_family67(const AlignmentRequest& request, uint32_t
   return tile_size(format.bytes * request.samples, tile_variant_family67(format));
 }
 
-// A count that wrapped below 0 takes one step, as 0 does.
-constexpr uint32_t counted_rows(uint32_t rows) {
-  return static_cast<uint32_t>(std::max(static_cast<int32_t>(rows), 0));
+// `tile` in blocks. Blocks are counted in texels, in whole tiles of blocks, and back in blocks.
+constexpr uint32_t whole_tile_width(uint32_t width, uint32_t tile, uint32_t block) {
+  return round_up_to_multiple(width * block, tile * block) / block;
 }
 
-// `tile` in blocks. Blocks are counted in texels, in whole tiles of blocks, and back in blocks.
-constexpr uint32_t whole_block_tiles(uint32_t texels, uint32_t tile, uint32_t block) {
-  return round_up_to_multiple(texels, tile * block) / block;
+// The same for rows, in signed numbers: a product that wraps below 0 takes one tile, as 0 does, and
+// a sum that wraps below 0 stays negative when it is turned back into rows of blocks.
+constexpr uint32_t whole_tile_rows(uint32_t rows, uint32_t tile, uint32_t block) {
+  const auto texel_rows = static_cast<int32_t>(rows * block);
+  const uint32_t whole =
+      round_up_to_multiple(static_cast<uint32_t>(std::max(texel_rows, 0)), tile * block);
+  return static_cast<uint32_t>(static_cast<int32_t>(whole) / static_cast<int32_t>(block));
 }
 
 constexpr Extent whole_tiles_of_blocks(Extent size, TileSize tile, const FormatTraits& format) {
-  const uint32_t texel_width = size.width * format.block_width;
-  const uint32_t texel_height = counted_rows(size.height * format.block_height);
-  return {whole_block_tiles(texel_width, tile.width, format.block_width),
-          whole_block_tiles(texel_height, tile.height, format.block_height)};
+  return {whole_tile_width(size.width, tile.width, format.block_width),
+          whole_tile_rows(size.height, tile.height, format.block_height)};
 }
 
 constexpr Extent whole_tiles(Extent size, TileSize tile) {
   return {round_up_to_power_of_two(size.width, tile.width),
-          round_up_to_power_of_two(counted_rows(size.height), tile.height)};
+          whole_tile_rows(size.height, tile.height, 1)};
 }
 
 // The blocks of a plane are those of its format.
@@ -61,8 +63,7 @@ constexpr uint32_t align_linear_width_family67(const ChipRow& chip, uint32_t wid
 
 constexpr uint32_t align_linear_height_family67(uint32_t height, const AlignmentRequest& request) {
   if (takes_64_rows(request)) return round_up(height, 64U);
-  const uint32_t block_height = request.format.block_height;
-  return whole_block_tiles(counted_rows(height * block_height), 1, block_height);
+  return whole_tile_rows(height, 1, request.format.block_height);
 }
 
 // Apart, so that tiled planes, which need little, do not pay for its registers.

@@ -5,10 +5,12 @@
 #include "platform/division.h"
 
 uint32_t get_slice_pitch_alignment(uint32_t tiling_mode) {
-  const korvel::ChipProperties& chip = korvel::identified_chip().properties;
+  // Two properties, and each asks for the GPU: while the services library cannot be opened, the call
+  // tries twice.
+  const korvel::ChipProperties& mode_chip = korvel::identified_chip().properties;
   const uint32_t mode_alignment =
-      tiling_mode == KORVEL_TILING_TILED ? chip.tiled_alignment : chip.linear_alignment;
-  const uint32_t base_alignment = chip.base_alignment;
+      tiling_mode == KORVEL_TILING_TILED ? mode_chip.tiled_alignment : mode_chip.linear_alignment;
+  const uint32_t base_alignment = korvel::identified_chip().properties.base_alignment;
   // Both are 0 for linear surfaces on an unsupported chip: there is no answer, and that must be
   // loud.
   return korvel::divide(base_alignment * mode_alignment, std::gcd(base_alignment, mode_alignment));
