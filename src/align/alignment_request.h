@@ -1,42 +1,34 @@
 // What the alignment rules are asked about the planes of a surface.
 #pragma once
 
+#include <korvel_utils.h>
+
 #include <cstdint>
 
-#include <korvel_utils.h>
+#include "formats/extent.h"
 #include "formats/format_traits.h"
 
 namespace korvel {
 
-// Wrapping 32-bit counts; elements and rows of elements.
-struct Extent {
-  uint32_t width;
-  uint32_t height;
-};
-
 struct AlignmentRequest {
-  FormatId format_id;
-  const FormatTraits& format;  // of format_id
+  const FormatTraits& format;
   uint32_t samples;
-  uint32_t tiling_mode;
-  uint32_t selector;             // of the way of padding pitches
-  int32_t min_padded_row_bytes;  // rows of at most this many bytes are not padded
-  uint32_t divisor;              // of the linear width's alignment in bytes
-  Extent extra;                  // elements and rows added before the alignment
+  uint32_t tiling_mode;             // 1 tiled, any other value linear
+  int32_t min_padded_row_bytes;     // linear rows of at most this many bytes are not padded
+  uint32_t tiling_allowed = 0;      // the linear surface may become tiled later
+  uint32_t divisor = 1;             // bytes of an element, as far as a linear width's step goes
+  Extent<Elements> extra = {0, 0};  // added before the alignment, families 6 and 7
 };
 
-// For a function that is not inlined. A copy made where it is called leaves the original in
-// registers everywhere else.
-constexpr AlignmentRequest stored_copy(const AlignmentRequest& request) {
-  return {request.format_id, request.format,
-          request.samples,   request.tiling_mode,
-          request.selector,  request.min_padded_row_bytes,
-          request.divisor,   {request.extra.width, request.extra.height}};
-}
-
-// The one format whose linear heights take whole 64 rows. Asked about linear surfaces only.
-constexpr bool takes_64_rows(const AlignmentRequest& request) {
-  return request.format_id == kFormat64Rows;
+// The request of the full alignment.
+constexpr AlignmentRequest alignment_request(FormatId format, uint32_t samples,
+                                             uint32_t tiling_mode, int32_t min_padded_row_bytes) {
+  return {
+      .format = format_traits(format),
+      .samples = samples,
+      .tiling_mode = tiling_mode,
+      .min_padded_row_bytes = min_padded_row_bytes,
+  };
 }
 
 constexpr bool is_tiled(const AlignmentRequest& request) {
@@ -47,16 +39,6 @@ constexpr bool is_tiled(const AlignmentRequest& request) {
 constexpr uint32_t element_bytes(const AlignmentRequest& request, uint32_t plane) {
   const uint32_t bytes = plane_bytes(request.format, plane);
   return is_tiled(request) ? bytes * request.samples : bytes;
-}
-
-constexpr Extent with_extra(Extent size, const AlignmentRequest& request) {
-  return {size.width + request.extra.width, size.height + request.extra.height};
-}
-
-// Linear rows of more bytes than the request's threshold are padded, compared as signed.
-constexpr bool exceeds_padding_threshold(const AlignmentRequest& request, uint32_t width,
-                                         uint32_t bytes) {
-  return static_cast<int32_t>(width * bytes) > request.min_padded_row_bytes;
 }
 
 }  // namespace korvel

@@ -1,25 +1,20 @@
 #include <korvel_utils.h>
-#include "align/extra_padding.h"
-#include "align/fdm_extent.h"
-#include "identify/gpu_identity.h"
+
+#include "align/entries.h"
 
 void compute_fmt_aligned_width_and_height_fdm(int32_t width, int32_t height, uint32_t plane,
                                               uint32_t format, uint32_t samples,
-                                              uint32_t tiling_mode, uint32_t selector,
+                                              uint32_t tiling_mode, uint32_t /*selector*/,
                                               int32_t min_padded_row_bytes, uint32_t divisor,
                                               uint32_t want_extra_padding, uint32_t* out_width,
                                               uint32_t* out_height) {
   const korvel::ChipRow& chip = korvel::identified_chip();
-  const korvel::AlignmentRequest request = {
-      .format_id = format,
-      .format = korvel::format_traits(format),
-      .samples = samples,
-      .tiling_mode = tiling_mode,
-      .selector = selector,
-      .min_padded_row_bytes = min_padded_row_bytes,
-      .divisor = divisor,
-      .extra = korvel::extra_padding(chip, format, want_extra_padding),
-  };
-  korvel::store_extent(korvel::fdm_extent(chip, width, height, request, plane), out_width,
-                       out_height);
+  korvel::AlignmentRequest request =
+      korvel::alignment_request(format, samples, tiling_mode, min_padded_row_bytes);
+  request.divisor = divisor;
+  if (want_extra_padding != 0) request.extra = korvel::extra_padding(chip, format);
+  const korvel::Extent<korvel::Elements> aligned =
+      korvel::fdm_extent(chip, {width, height}, request, plane);
+  *out_width = aligned.width;
+  *out_height = aligned.height;
 }

@@ -1,13 +1,14 @@
-// Widths and heights on families 6 and 7. The two differ only in the pitch limit (limit_pitch).
+// Widths and heights on families 6 and 7. The two differ only in the pitch limit
+// (limited_pitch_el).
 #pragma once
 
 #include <algorithm>
 #include <cstdint>
 
 #include "align/alignment_request.h"
-#include "align/linear_base_width.h"
-#include "align/linear_pitch.h"
+#include "align/linear_width.h"
 #include "align/tile_size.h"
+#include "formats/extent.h"
 #include "formats/format_traits.h"
 #include "identify/chip_row.h"
 #include "platform/rounding.h"
@@ -15,72 +16,68 @@
 namespace korvel {
 
 // The tile of the format that describes the plane.
-constexpr TileSize plane_tile_family67(const AlignmentRequest& request, uint32_t plane) {
+constexpr Extent<Elements> plane_tile_family67(const AlignmentRequest& request, uint32_t plane) {
   const FormatTraits& format = plane_traits(request.format, plane);
   return tile_size(format.bytes * request.samples, tile_variant_family67(format));
 }
 
-// `tile` in blocks. Blocks are counted in texels, in whole tiles of blocks, and back in blocks.
-constexpr uint32_t whole_tile_width(uint32_t width, uint32_t tile, uint32_t block) {
-  return round_up_to_multiple(width * block, tile * block) / block;
+// In whole tiles, which are powers of two; neither side is 0.
+constexpr Extent<Elements> whole_tiles(Extent<Elements> size, Extent<Elements> tile) {
+  return {round_up_pot(size.width, tile.width), round_up_pot(size.height, tile.height)};
 }
 
-// The same for rows, in signed numbers: a product that wraps below 0 takes one tile, as 0 does, and
-// a sum that wraps below 0 stays negative when it is turned back into rows of blocks.
-constexpr uint32_t whole_tile_rows(uint32_t rows, uint32_t tile, uint32_t block) {
-  const auto texel_rows = static_cast<int32_t>(rows * block);
-  const uint32_t whole =
-      round_up_to_multiple(static_cast<uint32_t>(std::max(texel_rows, 0)), tile * block);
-  return static_cast<uint32_t>(static_cast<int32_t>(whole) / static_cast<int32_t>(block));
+// At least one row: a count that wrapped below 0 is as good as none.
+constexpr uint32_t at_least_one_row(uint32_t rows) {
+  return static_cast<uint32_t>(std::max(static_cast<int32_t>(rows), 1));
 }
 
-constexpr Extent whole_tiles_of_blocks(Extent size, TileSize tile, const FormatTraits& format) {
-  return {whole_tile_width(size.width, tile.width, format.block_width),
-          whole_tile_rows(size.height, tile.height, format.block_height)};
+// The width of whole tiles of blocks: counted in texels, and back in blocks.
+constexpr uint32_t whole_tile_width_el(uint32_t width_el, uint32_t tile_el, uint32_t block_texels) {
+  const uint32_t texels = std::max(width_el * block_texels, 1U);
+  return round_up_to_multiple(texels, tile_el * block_texels) / block_texels;
 }
 
-constexpr Extent whole_tiles(Extent size, TileSize tile) {
-  return {round_up_to_power_of_two(size.width, tile.width),
-          whole_tile_rows(size.height, tile.height, 1)};
+// The same for rows, in signed numbers: texel rows that wrap below 0 take one tile, and a sum that
+// wraps below 0 stays negative when it is turned back into rows of blocks.
+constexpr uint32_t whole_tile_rows(uint32_t rows, uint32_t tile_rows, uint32_t block_texels) {
+  const uint32_t texel_rows = at_least_one_row(rows * block_texels);
+  const auto whole =
+      static_cast<int32_t>(round_up_to_multiple(texel_rows, tile_rows * block_texels));
+  return static_cast<uint32_t>(whole / static_cast<int32_t>(block_texels));
 }
 
 // The blocks of a plane are those of its format.
-constexpr Extent align_tiled_family67(Extent size, const AlignmentRequest& request,
-                                      uint32_t plane) {
-  const TileSize tile = plane_tile_family67(request, plane);
-  return has_blocks(request.format) ? whole_tiles_of_blocks(size, tile, request.format)
-                                    : whole_tiles(size, tile);
+constexpr Extent<Elements> align_tiled_family67(Extent<Elements> size,
+                                                const AlignmentRequest& request, uint32_t plane) {
+  const Extent<Elements> tile = plane_tile_family67(request, plane);
+  if (!has_rule(request.format, kRuleBlockFamily67)) {
+    return whole_tiles({std::max(size.width, 1U), at_least_one_row(size.height)}, tile);
+  }
+  const SmallExtent<Texels> block = request.format.block;
+  return {whole_tile_width_el(size.width, tile.width, block.width),
+          whole_tile_rows(size.height, tile.height, block.height)};
 }
 
-// `tiling_allowed` 1: the surface may become tiled later, so its linear width takes whole tiles.
-constexpr uint32_t align_linear_width_family67(const ChipRow& chip, uint32_t width,
-                                               const AlignmentRequest& request, uint32_t plane,
-                                               uint32_t tiling_allowed) {
-  const bool whole_tiles = tiling_allowed == KORVEL_TILING_TILED;
-  const uint32_t base = linear_base_width(width, request, kLinearRulesFamily67, whole_tiles);
-  return finish_linear_width(chip, request, base, element_bytes(request, plane));
+constexpr uint32_t linear_rows_family67(uint32_t rows, const AlignmentRequest& request) {
+  if (has_rule(request.format, kRuleWhole64Rows)) return round_up_pot(rows, 64U);
+  return whole_tile_rows(rows, 1, request.format.block.height);
 }
 
-constexpr uint32_t align_linear_height_family67(uint32_t height, const AlignmentRequest& request) {
-  if (takes_64_rows(request)) return round_up(height, 64U);
-  return whole_tile_rows(height, 1, request.format.block_height);
+constexpr Extent<Elements> align_linear_family67(const ChipRow& chip, Extent<Elements> size,
+                                                 const AlignmentRequest& request, uint32_t plane) {
+  const bool may_become_tiled = request.tiling_allowed == KORVEL_TILING_TILED;
+  const uint32_t base_el =
+      linear_base_width_el(size.width, request, kLinearRulesFamily67, may_become_tiled);
+  return {finished_linear_width_el(chip, request, base_el, element_bytes(request, plane)),
+          linear_rows_family67(size.height, request)};
 }
 
-// Apart, so that tiled planes, which need little, do not pay for its registers.
-[[gnu::noinline]] constexpr Extent align_linear_family67(const ChipRow& chip, uint32_t width,
-                                                         uint32_t height,
-                                                         const AlignmentRequest& request,
-                                                         uint32_t plane, uint32_t tiling_allowed) {
-  return {align_linear_width_family67(chip, width, request, plane, tiling_allowed),
-          align_linear_height_family67(height, request)};
-}
-
-constexpr Extent align_family67(const ChipRow& chip, Extent size, const AlignmentRequest& request,
-                                uint32_t plane, uint32_t tiling_allowed) {
-  const Extent padded = with_extra(size, request);
-  if (is_tiled(request)) return align_tiled_family67(padded, request, plane);
-  return align_linear_family67(chip, padded.width, padded.height, stored_copy(request), plane,
-                               tiling_allowed);
+constexpr Extent<Elements> align_family67(const ChipRow& chip, Extent<Elements> size,
+                                          const AlignmentRequest& request, uint32_t plane) {
+  const Extent<Elements> padded = {size.width + request.extra.width,
+                                   size.height + request.extra.height};
+  return is_tiled(request) ? align_tiled_family67(padded, request, plane)
+                           : align_linear_family67(chip, padded, request, plane);
 }
 
 }  // namespace korvel

@@ -1,5 +1,8 @@
 // Pitch padding: linear rows whose pitch would keep hitting the same memory channels are made
 // longer.
+//
+// The entries take a selector of one of two ways of padding. Both come to the same pitches, as the
+// static assertion below shows, so that no selector goes further than the entries.
 #pragma once
 
 #include <algorithm>
@@ -12,51 +15,49 @@
 
 namespace korvel {
 
-inline constexpr uint32_t kPitchClasses = 5;           // elements of 1, 2, 4, 8 and 16 bytes
-inline constexpr uint32_t kPitchStep = 64;             // elements; pitches are whole steps
-inline constexpr uint32_t kLongestPaddedPitch = 2048;  // elements; longer pitches repeat the rule
-inline constexpr uint32_t kChannelSpanBytes = 2048;    // bytes after which the channels repeat
-inline constexpr uint32_t kSearchStepBytes = 1024;
-inline constexpr uint32_t kPitchLimit = 16384;  // elements, families 5 and 6
+inline constexpr uint32_t kPitchClasses = 5;              // elements of 1, 2, 4, 8 and 16 bytes
+inline constexpr uint32_t kPitchStep_el = 64;             // padded pitches are whole steps
+inline constexpr uint32_t kLongestPaddedPitch_el = 2048;  // longer pitches repeat the rule
+inline constexpr uint32_t kPitchLimit_el = 16384;         // families 5 and 6
+inline constexpr uint32_t kChannelSpan_bytes = 2048;      // after which the channels repeat
+inline constexpr uint32_t kSearchStep_bytes = 1024;
 
-// The rows after which `pitch` comes back to the same channel; in elements of `bytes` bytes, not 0.
-constexpr uint32_t channel_period(uint32_t pitch, uint32_t bytes) {
-  const uint32_t span = kChannelSpanBytes / bytes;
-  const uint32_t remainder = pitch % span == 0 ? span : pitch % span;
-  return kChannelSpanBytes / std::gcd(kChannelSpanBytes, remainder * bytes);
+// The rows after which a pitch comes back to the same channel.
+constexpr uint32_t channel_period_rows(uint32_t pitch_el, uint32_t element_bytes) {
+  const uint32_t span_el = kChannelSpan_bytes / element_bytes;
+  const uint32_t remainder_el = pitch_el % span_el == 0 ? span_el : pitch_el % span_el;
+  return kChannelSpan_bytes / std::gcd(kChannelSpan_bytes, remainder_el * element_bytes);
 }
 
-// The longest period that a selector accepts.
-constexpr uint32_t longest_period_rows(uint32_t selector) {
-  return selector == 2 ? 16 : 4;
-}
-
-// The rule: the first pitch, in steps, that comes back after 2 rows or more and no more than the
-// longest period; the pitch itself when there is none.
-constexpr uint32_t searched_pitch(uint32_t pitch, uint32_t bytes, uint32_t selector) {
-  const uint32_t step = kSearchStepBytes / bytes;
-  for (uint32_t padded = pitch; padded - pitch <= kLongestPaddedPitch; padded += step) {
-    const uint32_t period = channel_period(padded, bytes);
-    if (period != 1 && period <= longest_period_rows(selector)) return padded;
+// The search that padding stands for: the first pitch, in steps, that comes back after 2 rows or
+// more and no more than the longest period; the pitch itself when there is none.
+constexpr uint32_t searched_pitch_el(uint32_t pitch_el, uint32_t element_bytes,
+                                     uint32_t longest_period_rows) {
+  const uint32_t step_el = kSearchStep_bytes / element_bytes;
+  for (uint32_t padded_el = pitch_el; padded_el - pitch_el <= kLongestPaddedPitch_el;
+       padded_el += step_el) {
+    const uint32_t period_rows = channel_period_rows(padded_el, element_bytes);
+    if (period_rows != 1 && period_rows <= longest_period_rows) return padded_el;
   }
-  return pitch;
+  return pitch_el;
 }
 
 // What the search comes to: only rows of whole channel spans find a longer pitch, one step away.
-// The selector stays an argument: other spans or steps would bring it back.
-constexpr uint32_t padded_pitch(uint32_t pitch, uint32_t size_class,
-                                [[maybe_unused]] uint32_t selector) {
-  const bool whole_spans = (pitch << size_class) % kChannelSpanBytes == 0;
-  return whole_spans ? pitch + (kSearchStepBytes >> size_class) : pitch;
+// Elements of 1 << size_class bytes.
+constexpr uint32_t padded_pitch_el(uint32_t pitch_el, uint32_t size_class) {
+  const bool whole_spans = (pitch_el << size_class) % kChannelSpan_bytes == 0;
+  return whole_spans ? pitch_el + (kSearchStep_bytes >> size_class) : pitch_el;
 }
 
-// So it does for either selector.
+// So it does for both selectors: periods of up to 4 rows, and of up to 16.
 static_assert([] {
   for (uint32_t size_class = 0; size_class < kPitchClasses; ++size_class) {
-    for (uint32_t pitch = kPitchStep; pitch <= kLongestPaddedPitch; pitch += kPitchStep) {
-      for (const uint32_t selector : {1U, 2U}) {
-        const uint32_t searched = searched_pitch(pitch, 1U << size_class, selector);
-        if (padded_pitch(pitch, size_class, selector) != searched) return false;
+    for (uint32_t pitch_el = kPitchStep_el; pitch_el <= kLongestPaddedPitch_el;
+         pitch_el += kPitchStep_el) {
+      for (const uint32_t longest_period_rows : {4U, 16U}) {
+        const uint32_t searched_el =
+            searched_pitch_el(pitch_el, 1U << size_class, longest_period_rows);
+        if (padded_pitch_el(pitch_el, size_class) != searched_el) return false;
       }
     }
   }
@@ -65,22 +66,22 @@ static_assert([] {
 
 // Family 7 has its limit by model; a model without one ends at 0 elements. Its comparison is
 // signed, that of the others is not.
-constexpr uint32_t limit_pitch(const ChipRow& chip, uint32_t pitch) {
+constexpr uint32_t limited_pitch_el(const ChipRow& chip, uint32_t pitch_el) {
   if (chip.family_id == 7) {
-    return static_cast<uint32_t>(std::min(static_cast<int32_t>(pitch), chip.max_surface_pitch));
+    return static_cast<uint32_t>(std::min(static_cast<int32_t>(pitch_el), chip.max_surface_pitch));
   }
-  return std::min(pitch, kPitchLimit);
+  return std::min(pitch_el, kPitchLimit_el);
 }
 
-// `bytes` an element, a power of two up to 16 or 0; `width` in elements. Widths of whole longest
-// pitches are not padded, but for the longest pitch itself.
-constexpr uint32_t pad_pitch(const ChipRow& chip, uint32_t width, uint32_t bytes,
-                             uint32_t selector) {
-  if (bytes == 0) return width;  // a plane that the format does not have
-  const bool repeats = width % kLongestPaddedPitch == 0 && width != kLongestPaddedPitch;
-  const auto size_class = static_cast<uint32_t>(std::countr_zero(bytes));
-  const uint32_t pitch = round_up(width, kPitchStep);
-  return limit_pitch(chip, repeats ? width : padded_pitch(pitch, size_class, selector));
+// `element_bytes` is a power of two up to 16, or 0 for a plane that the format lacks. Widths of
+// whole longest pitches are not padded, but for the longest pitch itself.
+constexpr uint32_t pad_pitch_el(const ChipRow& chip, uint32_t width_el, uint32_t element_bytes) {
+  if (element_bytes == 0) return width_el;
+  const bool repeats = width_el % kLongestPaddedPitch_el == 0 && width_el != kLongestPaddedPitch_el;
+  if (repeats) return limited_pitch_el(chip, width_el);
+  const uint32_t pitch_el = round_up_pot(width_el, kPitchStep_el);
+  const auto size_class = static_cast<uint32_t>(std::countr_zero(element_bytes));
+  return limited_pitch_el(chip, padded_pitch_el(pitch_el, size_class));
 }
 
 }  // namespace korvel

@@ -1,20 +1,18 @@
-// Tiles of the tiled modes, in elements.
+// Tiles of the tiled mode.
 #pragma once
 
 #include <array>
 #include <cstdint>
 
+#include "formats/extent.h"
 #include "formats/format_traits.h"
 
 namespace korvel {
 
-struct TileSize {
-  uint16_t width;   // elements
-  uint16_t height;  // rows of elements
-};
+using TileSize = Extent<Elements, uint16_t>;
 
 struct TileSizeRow {
-  uint32_t bytes;  // of an element, all samples
+  uint32_t element_bytes;  // all samples
   TileSize tile;
 };
 
@@ -32,24 +30,27 @@ inline constexpr TileSize kWideByteTileSize = {256, 16};  // 1 byte
 inline constexpr TileSize kTallTileSize     = { 64, 32};  // 2 bytes
 // clang-format on
 
-inline constexpr uint32_t kLargestTileBytes = 64;
+inline constexpr uint32_t kLargestTileElement_bytes = 64;
 
 // By element size, then by variant: a row is 16 bytes.
 using TileSizesOfVariants = std::array<TileSize, 4>;
 static_assert(kTileVariants <= std::tuple_size_v<TileSizesOfVariants>);
 
 inline constexpr auto kTileSizesByBytes = [] {
-  std::array<TileSizesOfVariants, kLargestTileBytes + 1> sizes{};
+  std::array<TileSizesOfVariants, kLargestTileElement_bytes + 1> sizes{};
   for (TileSizesOfVariants& tiles : sizes) tiles.fill(kOtherTileSize);
-  for (const TileSizeRow& row : kTileSizes) sizes[row.bytes].fill(row.tile);
+  for (const TileSizeRow& row : kTileSizes) sizes[row.element_bytes].fill(row.tile);
   sizes[1][kTileWideByte] = kWideByteTileSize;
   sizes[2][kTileTall] = kTallTileSize;
   return sizes;
 }();
 
-// `variant` is the format's in the family set.
-constexpr TileSize tile_size(uint32_t bytes, TileVariant variant) {
-  return bytes <= kLargestTileBytes ? kTileSizesByBytes[bytes][variant] : kOtherTileSize;
+// `element_bytes` with all samples; `variant` is the format's in the family set.
+constexpr Extent<Elements> tile_size(uint32_t element_bytes, TileVariant variant) {
+  const TileSize tile = element_bytes <= kLargestTileElement_bytes
+                            ? kTileSizesByBytes[element_bytes][variant]
+                            : kOtherTileSize;
+  return {tile.width, tile.height};
 }
 
 }  // namespace korvel

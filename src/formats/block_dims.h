@@ -4,18 +4,14 @@
 #include <array>
 #include <cstdint>
 
+#include "formats/extent.h"
 #include "formats/format_ids.h"
 #include "formats/format_table.h"
 
 namespace korvel {
 
-struct BlockDims {
-  uint32_t width;   // texels, never 0
-  uint32_t height;  // texels, never 0
-};
-
 struct BlockDimsRow {
-  BlockDims block;
+  SmallExtent<Texels> block;  // neither side is 0
   IdRange ids[kRowRanges];
 };
 
@@ -47,7 +43,7 @@ inline constexpr BlockDimsRow kBlockDimsRows[] = {
 // clang-format on
 
 inline constexpr auto kBlockDims = [] {
-  std::array<BlockDims, kFormatCount> dims{};
+  std::array<SmallExtent<Texels>, kFormatCount> dims{};
   dims.fill({1, 1});
   for (const BlockDimsRow& row : kBlockDimsRows) {
     for_each_id(row.ids, [&](FormatId id) { dims[id] = row.block; });
@@ -56,15 +52,15 @@ inline constexpr auto kBlockDims = [] {
 }();
 
 // `format` is below kFormatCount.
-constexpr BlockDims format_block_dims(FormatId format) {
-  return kBlockDims[format];
+constexpr Extent<Texels> format_block_dims(FormatId format) {
+  return widened(kBlockDims[format]);
 }
 
 // A format without the block flags has blocks of one texel. Rules that count in blocks for such
 // formats only may therefore multiply by the block dimensions of any format.
 static_assert([] {
   for (FormatId id = 0; id < kFormatCount; ++id) {
-    const BlockDims block = format_block_dims(id);
+    const Extent<Texels> block = format_block_dims(id);
     const bool counts_in_blocks = (format_record(id).flags & kFormatFlagsBlock) != 0;
     if (!counts_in_blocks && (block.width != 1 || block.height != 1)) return false;
   }

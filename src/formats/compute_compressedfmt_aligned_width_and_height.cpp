@@ -20,7 +20,8 @@ void compute_compressedfmt_aligned_width_and_height(int32_t texel_width, int32_t
                                                     uint64_t /*ignored_2*/, uint64_t /*ignored_3*/,
                                                     uint32_t* aligned_width,
                                                     uint32_t* aligned_height, uint32_t* bpp) {
-  if (texel_width < 0 || texel_height < 0) {
+  const korvel::SignedExtent<korvel::Texels> size = {texel_width, texel_height};
+  if (is_negative(size)) {
     KORVEL_LOG(kName, "Invalid texel width or texel height: W = %d, H = %d", texel_width,
                texel_height);
     *aligned_width = 1;
@@ -29,7 +30,7 @@ void compute_compressedfmt_aligned_width_and_height(int32_t texel_width, int32_t
     return;
   }
   const korvel::FormatTraits& traits = korvel::format_traits(format);
-  if ((traits.rules & korvel::kRuleBlockCompressed) == 0) {
+  if (!has_rule(traits, korvel::kRuleBlockCompressed)) {
     KORVEL_LOG(kName, "Not a compressed format 0x%x", format);
     return;
   }
@@ -39,10 +40,10 @@ void compute_compressedfmt_aligned_width_and_height(int32_t texel_width, int32_t
                low_half(aligned_width), low_half(aligned_height), low_half(bpp));
     return;
   }
-  const uint32_t pixel_alignment = korvel::identified_chip().properties.pixel_alignment;
-  const korvel::BlockExtent extent =
-      korvel::compressed_extent(traits, pixel_alignment, texel_width, texel_height);
-  *aligned_width = extent.width;
-  *aligned_height = extent.height;
+  const uint32_t pixel_alignment_el = korvel::identified_chip().properties.pixel_alignment;
+  const korvel::Extent<korvel::Elements> blocks =
+      korvel::compressed_extent(traits, pixel_alignment_el, size);
+  *aligned_width = blocks.width;
+  *aligned_height = blocks.height;
   *bpp = traits.bytes;
 }

@@ -41,7 +41,7 @@ constexpr void for_each_id(std::span<const IdRange> list, Visit visit) {
   }
 }
 
-// Of a list that is no table's row: it has no unused places.
+// Whether the list names a format, which is not 0.
 constexpr bool contains(std::span<const IdRange> list, FormatId format) {
   for (const IdRange& range : list) {
     if (format >= range.first && format <= range.last) return true;

@@ -6,6 +6,7 @@
 #include <cstdint>
 
 #include "formats/block_dims.h"
+#include "formats/extent.h"
 #include "formats/format_ids.h"
 #include "formats/format_table.h"
 #include "formats/plane_formats.h"
@@ -24,7 +25,7 @@ enum FormatRule : uint8_t {
   kRuleUnpaddedPitch = 0x10,           // its linear pitch is never padded
   kRuleTallSampleTileFamily5 = 0x20,   // 2-byte elements in the tall sample tile
   kRuleTallSampleTileFamily67 = 0x40,  //
-  kRuleSampleTileByFormat = 0x80,      // families 6 and 7 know its sample tile by format alone
+  kRuleWhole64Rows = 0x80,             // its linear heights take whole 64 rows
 };
 
 // Which tile a format's elements take where their size leaves a choice.
@@ -42,9 +43,8 @@ struct FormatTraits {
   uint8_t bytes;                  // the record's element size
   uint8_t substitute_bytes;       // that of the substitute: a power of two
   uint8_t plane_bytes[kPlanes];   // element size of each plane, 0 where there is none
-  uint8_t block_width;            // texels
-  uint8_t block_height;           // texels
-  uint8_t sample_tile;            // row of kVideoSampleTiles
+  SmallExtent<Texels> block;      // what one element holds
+  uint8_t video_sample_tile;      // row of kVideoSampleTiles
 };
 static_assert(sizeof(FormatTraits) == 16);
 
@@ -94,7 +94,7 @@ constexpr uint8_t format_rules(FormatId format) {
       bit(compressed || video, kRuleUnpaddedPitch) |
       bit(contains(kTallSampleTileFormatsFamily5, format), kRuleTallSampleTileFamily5) |
       bit(contains(kTallSampleTileFormatsFamily67, format), kRuleTallSampleTileFamily67) |
-      bit(video, kRuleSampleTileByFormat));
+      bit(format == kFormat64Rows, kRuleWhole64Rows));
 }
 
 constexpr FormatTraits traits_of(FormatId format) {
@@ -106,9 +106,9 @@ constexpr FormatTraits traits_of(FormatId format) {
   traits.bytes = static_cast<uint8_t>(format_record(format).bytes);
   traits.substitute_bytes =
       static_cast<uint8_t>(format_record(npot_substitute_format(format)).bytes);
-  traits.block_width = static_cast<uint8_t>(format_block_dims(format).width);
-  traits.block_height = static_cast<uint8_t>(format_block_dims(format).height);
-  traits.sample_tile = kVideoSampleTileRow[format];
+  traits.block = kBlockDims[format];
+  const bool video = (format_record(format).flags & FORMAT_FLAG_VIDEO) != 0;
+  traits.video_sample_tile = video ? video_sample_tile_row(format) : kNoVideoFormat;
   return traits;
 }
 
@@ -130,8 +130,8 @@ inline constexpr auto kFormatTraits = [] {
     }
   }
   traits[kTraitsWithoutRecord] = traits_without_record(kTraitsWithoutRecord, 0);
-  traits[kTraitsWxb7] =
-      traits_without_record(kTraitsWxb7, kRuleUnpaddedPitch | kRuleSampleTileByFormat);
+  traits[kTraitsWxb7] = traits_without_record(kTraitsWxb7, kRuleUnpaddedPitch);
+  traits[kTraitsWxb7].video_sample_tile = kUnlistedVideoFormat;
   return traits;
 }();
 
@@ -152,21 +152,32 @@ static_assert([] {
 static_assert([] {
   for (const FormatTraits& format : kFormatTraits) {
     for (const uint32_t plane : format.plane_index) {
-      if (kFormatTraits[plane].block_width != format.block_width) return false;
-      if (kFormatTraits[plane].block_height != format.block_height) return false;
+      if (kFormatTraits[plane].block.width != format.block.width) return false;
+      if (kFormatTraits[plane].block.height != format.block.height) return false;
     }
   }
   return true;
 }());
 
-// Formats whose elements may hold more than one texel.
-constexpr bool has_blocks(const FormatTraits& format) {
-  return (format.rules & kRuleBlockFamily67) != 0;
+constexpr bool has_rule(const FormatTraits& format, FormatRule rule) {
+  return (format.rules & rule) != 0;
 }
 
+// Elements of all other formats hold one texel.
 static_assert([] {
   for (const FormatTraits& format : kFormatTraits) {
-    if ((format.block_width != 1 || format.block_height != 1) && !has_blocks(format)) return false;
+    const bool one_texel = format.block.width == 1 && format.block.height == 1;
+    if (!one_texel && !has_rule(format, kRuleBlockFamily67)) return false;
+  }
+  return true;
+}());
+
+// The tall sample tile is one of 2-byte elements.
+static_assert([] {
+  for (const FormatTraits& format : kFormatTraits) {
+    const bool tall = has_rule(format, kRuleTallSampleTileFamily5) ||
+                      has_rule(format, kRuleTallSampleTileFamily67);
+    if (tall && format.bytes != 2) return false;
   }
   return true;
 }());

@@ -1,7 +1,7 @@
 #include <korvel_utils.h>
-#include "formats/capability_lists.h"
+#include "formats/capabilities.h"
+#include "formats/unknown_family.h"
 #include "identify/gpu_identity.h"
-#include "platform/log.h"
 
 namespace korvel {
 namespace {
@@ -36,30 +36,15 @@ static_assert(lists_are_disjoint(kLists));
 
 constexpr CapabilityMasks kMasks = capability_masks(kLists);
 
-// The first call, every call on an unknown chip, and formats beyond the table. Apart, so that all
-// others need no stack.
-[[gnu::cold, gnu::noinline]] uint32_t answer_otherwise(uint32_t format, int32_t depth_stencil_use) {
-  const uint32_t row = identified_row();
-  if (row < kRowFirstChip) {
-    KORVEL_LOG("isFormatRenderableByGpu", "Unknown Family ID %u", kChipRows[row].family_id);
-    return 0;
-  }
-  return format < kFormatCount && common_lists(kMasks, row, format, depth_stencil_use) != 0;
-}
-
 }  // namespace
 }  // namespace korvel
 
 uint32_t isFormatRenderableByGpu(int32_t format, int32_t depth_stencil_use) {
+  const uint32_t row = korvel::identified_row();
+  if (row < korvel::kRowFirstChip) [[unlikely]] {
+    return korvel::answer_unknown_family("isFormatRenderableByGpu", row);
+  }
+  const korvel::Use use = depth_stencil_use != 0 ? korvel::kDepthStencil : korvel::kColour;
   // Negative numbers become large ones, which no list names.
-  const auto id = static_cast<uint32_t>(format);
-  if (id >= korvel::kFormatCount) [[unlikely]] {
-    return korvel::answer_otherwise(id, depth_stencil_use);
-  }
-  const korvel::ListMask lists =
-      korvel::common_lists(korvel::kMasks, korvel::known_row(), id, depth_stencil_use);
-  if (lists < 0) [[unlikely]] {
-    return korvel::answer_otherwise(id, depth_stencil_use);
-  }
-  return lists != 0;
+  return korvel::is_capable(korvel::kMasks, row, static_cast<uint32_t>(format), use) ? 1 : 0;
 }

@@ -1,7 +1,7 @@
 #include <korvel_utils.h>
-#include "formats/capability_lists.h"
+#include "formats/capabilities.h"
+#include "formats/unknown_family.h"
 #include "identify/gpu_identity.h"
-#include "platform/log.h"
 
 namespace korvel {
 namespace {
@@ -43,29 +43,9 @@ static_assert(lists_are_disjoint(kLists));
 
 constexpr CapabilityMasks kMasks = capability_masks(kLists);
 
-// The lists that hold for resources of one sample only.
-constexpr ListMask kSingleSampledLists = [] {
-  ListMask mask = 0;
-  for (std::size_t i = 0; i < std::size(kLists); ++i) {
-    if (kLists[i].condition == Condition::colour_single_sampled) {
-      mask = static_cast<ListMask>(mask | list_bit(i));
-    }
-  }
-  return mask;
-}();
-
-// The first call, every call on an unknown chip, several samples, and formats beyond the table.
-// Apart, so that all others need no stack.
-[[gnu::noinline]] uint32_t answer_otherwise(uint32_t format, uint32_t sample_count,
-                                            int32_t depth_stencil_view) {
-  const uint32_t row = identified_row();
-  if (row < kRowFirstChip) {
-    KORVEL_LOG("isFormatSampleableByGpu", "Unknown Family ID %u", kChipRows[row].family_id);
-    return 0;
-  }
-  if (format >= kFormatCount) return 0;
-  const ListMask lists = common_lists(kMasks, row, format, depth_stencil_view);
-  return (sample_count < 2 ? lists : lists & ~kSingleSampledLists) != 0;
+constexpr Use use_asked_about(uint32_t sample_count, int32_t depth_stencil_view) {
+  if (depth_stencil_view != 0) return kDepthStencil;
+  return sample_count < 2 ? kColour : kColourMultisampled;
 }
 
 }  // namespace
@@ -73,15 +53,11 @@ constexpr ListMask kSingleSampledLists = [] {
 
 uint32_t isFormatSampleableByGpu(int32_t format, uint32_t sample_count,
                                  int32_t depth_stencil_view) {
+  const uint32_t row = korvel::identified_row();
+  if (row < korvel::kRowFirstChip) [[unlikely]] {
+    return korvel::answer_unknown_family("isFormatSampleableByGpu", row);
+  }
+  const korvel::Use use = korvel::use_asked_about(sample_count, depth_stencil_view);
   // Negative numbers become large ones, which no list names.
-  const auto id = static_cast<uint32_t>(format);
-  if (id >= korvel::kFormatCount || sample_count > 1) [[unlikely]] {
-    return korvel::answer_otherwise(id, sample_count, depth_stencil_view);
-  }
-  const korvel::ListMask lists =
-      korvel::common_lists(korvel::kMasks, korvel::known_row(), id, depth_stencil_view);
-  if (lists < 0) [[unlikely]] {
-    return korvel::answer_otherwise(id, sample_count, depth_stencil_view);
-  }
-  return lists != 0;
+  return korvel::is_capable(korvel::kMasks, row, static_cast<uint32_t>(format), use) ? 1 : 0;
 }

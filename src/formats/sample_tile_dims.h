@@ -1,57 +1,54 @@
-// The width and height in pixels of the tile that holds one multisampled block of a format.
+// The size of the tile that holds one multisampled block of a format.
 #pragma once
 
-#include <bit>
 #include <cstdint>
 
+#include "formats/extent.h"
 #include "formats/format_traits.h"
 #include "formats/sample_tiles.h"
 
 namespace korvel {
 
-// 0 x 0 where the table has no tile.
-constexpr SampleTile ordinary_sample_tile(uint32_t bytes, uint32_t samples, bool tall) {
-  if (samples == 1 && bytes == 2 && tall) return kTallSampleTile;
-  for (const SampleTileRow& row : kSampleTileRows) {
-    if (row.samples != samples) continue;
-    switch (bytes) {
-      case 1:
-      case 2:
-      case 4: return row.bytes_1_2_4;
-      case 8: return row.bytes_8;
-      case 16: return row.bytes_16;
-      default: return {0, 0};
-    }
+// Every element size of the table has its column.
+static_assert([] {
+  for (const FormatTraits& format : kFormatTraits) {
+    if (format.bytes > kMostTileBytes) return false;
   }
-  return {0, 0};
+  return true;
+}());
+
+// 0 x 0 where no tile is known.
+constexpr Extent<Elements> ordinary_sample_tile(const FormatTraits& format, uint32_t samples,
+                                                FormatRule tall_tile) {
+  if (samples > kMostTileSamples) return {0, 0};
+  if (samples == 1 && has_rule(format, tall_tile)) return kTallSampleTile;
+  return widened(kSampleTilesBySize[samples][format.bytes]);
 }
 
-constexpr SampleTile video_sample_tile(const FormatTraits& format, uint32_t family_id,
-                                       bool half_width) {
-  const VideoSampleTileRow& row = kVideoSampleTiles[format.sample_tile];
+constexpr Extent<Elements> video_sample_tile(const FormatTraits& format, uint32_t family_id,
+                                             bool half_width) {
+  const VideoSampleTileRow& row = kVideoSampleTiles[format.video_sample_tile];
   if (family_id < row.first_family) return {0, 0};
   return {half_width ? row.half_width : row.width, row.height};
 }
 
+constexpr Extent<Elements> sample_tile_family5(const FormatTraits& format, uint32_t samples) {
+  const Extent<Elements> tile = ordinary_sample_tile(format, samples, kRuleTallSampleTileFamily5);
+  return tile.width != 0 ? tile : Extent<Elements>{1, 1};
+}
+
 // 0 x 0 where families 6 and 7 know no tile, 1 x 1 where family 5 knows none and on any other
-// family. `half_width` picks the narrower of two widths where a format has two; the layouts pass
-// the plane.
-constexpr SampleTile sample_tile_dims(uint32_t family_id, const FormatTraits& format,
-                                      bool half_width, uint32_t samples) {
+// family. `half_width` picks the narrower of two widths where a format has two; the layouts ask for
+// it for every plane but the first.
+constexpr Extent<Elements> sample_tile_dims(uint32_t family_id, const FormatTraits& format,
+                                            bool half_width, uint32_t samples) {
   switch (family_id) {
-    case 5: {
-      const bool tall = (format.rules & kRuleTallSampleTileFamily5) != 0;
-      const SampleTile tile = ordinary_sample_tile(format.bytes, samples, tall);
-      return tile.width != 0 ? tile : SampleTile{1, 1};
-    }
+    case 5: return sample_tile_family5(format, samples);
     case 6:
-    case 7: {
-      if ((format.rules & kRuleSampleTileByFormat) != 0) {
-        return video_sample_tile(format, family_id, half_width);
-      }
-      const bool tall = (format.rules & kRuleTallSampleTileFamily67) != 0;
-      return ordinary_sample_tile(format.bytes, samples, tall);
-    }
+    case 7:
+      return format.video_sample_tile != kNoVideoFormat
+                 ? video_sample_tile(format, family_id, half_width)
+                 : ordinary_sample_tile(format, samples, kRuleTallSampleTileFamily67);
     default: return {1, 1};
   }
 }

@@ -1,25 +1,21 @@
-// Tiles that hold one multisampled block, in pixels: the data behind sample_tile_dims.
+// Tiles that hold one multisampled block: the data behind sample_tile_dims.
 #pragma once
 
 #include <array>
 #include <cstdint>
 #include <iterator>
 
+#include "formats/extent.h"
 #include "formats/format_ids.h"
 
 namespace korvel {
 
-struct SampleTile {
-  uint32_t width;   // pixels
-  uint32_t height;  // pixels
-};
-
-// Ordinary formats, by samples and element size.
+// Ordinary formats, by samples and element size. 0 x 0 where no tile is known.
 struct SampleTileRow {
   uint32_t samples;
-  SampleTile bytes_1_2_4;
-  SampleTile bytes_8;
-  SampleTile bytes_16;
+  SmallExtent<Elements> bytes_1_2_4;
+  SmallExtent<Elements> bytes_8;
+  SmallExtent<Elements> bytes_16;
 };
 
 // clang-format off
@@ -32,19 +28,21 @@ inline constexpr SampleTileRow kSampleTileRows[] = {
 };
 
 // 2-byte formats of the tall list, single-sampled.
-inline constexpr SampleTile kTallSampleTile = {16, 8};
+inline constexpr Extent<Elements> kTallSampleTile = {16, 8};
 
 // Video formats on families 6 and 7, by format alone.
 struct VideoSampleTileRow {
   uint32_t first_family;  // families from here on know the row
-  uint32_t width;         // pixels, plane 0
-  uint32_t half_width;    // pixels, further planes
-  uint32_t height;        // pixels
+  uint8_t width;          // elements, plane 0
+  uint8_t half_width;     // elements, further planes
+  uint8_t height;         // rows
   IdRange ids[kRowRanges];
 };
 
-// The first row stands for every format that no other row lists.
+// No format has the first row's tile: its number marks formats that are not video. The second row
+// stands for every video format that no other row lists.
 inline constexpr VideoSampleTileRow kVideoSampleTiles[] = {
+    {6,  0,  0, 0, {}},
     {6,  0,  0, 0, {}},
     {6, 32, 32, 4, {{107}, {614}, {617, 618}, {662, 663}, {668}, {680}}},
     {6, 16, 16, 4, {{620}, {664}, {669}}},
@@ -64,14 +62,32 @@ inline constexpr VideoSampleTileRow kVideoSampleTiles[] = {
 };
 // clang-format on
 
-// The row of kVideoSampleTiles that lists a format.
-inline constexpr auto kVideoSampleTileRow = [] {
-  std::array<uint8_t, kFormatCount> row_of{};
-  for (std::size_t row = 0; row < std::size(kVideoSampleTiles); ++row) {
-    for_each_id(kVideoSampleTiles[row].ids,
-                [&](FormatId id) { row_of[id] = static_cast<uint8_t>(row); });
+inline constexpr uint8_t kNoVideoFormat = 0;
+inline constexpr uint8_t kUnlistedVideoFormat = 1;
+
+// The row of kVideoSampleTiles that a video format takes.
+constexpr uint8_t video_sample_tile_row(FormatId format) {
+  for (uint8_t row = kUnlistedVideoFormat + 1; row < std::size(kVideoSampleTiles); ++row) {
+    if (contains(kVideoSampleTiles[row].ids, format)) return row;
   }
-  return row_of;
+  return kUnlistedVideoFormat;
+}
+
+inline constexpr uint32_t kMostTileSamples = 8;
+inline constexpr uint32_t kMostTileBytes = 16;
+
+// kSampleTileRows by samples and bytes, with 0 x 0 for all that it does not name.
+using SampleTilesBySize =
+    std::array<std::array<SmallExtent<Elements>, kMostTileBytes + 1>, kMostTileSamples + 1>;
+
+inline constexpr SampleTilesBySize kSampleTilesBySize = [] {
+  SampleTilesBySize tiles{};
+  for (const SampleTileRow& row : kSampleTileRows) {
+    for (const uint32_t bytes : {1U, 2U, 4U}) tiles[row.samples][bytes] = row.bytes_1_2_4;
+    tiles[row.samples][8] = row.bytes_8;
+    tiles[row.samples][16] = row.bytes_16;
+  }
+  return tiles;
 }();
 
 }  // namespace korvel

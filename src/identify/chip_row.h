@@ -41,9 +41,9 @@ struct alignas(64) ChipRow {
   uint32_t rev_id;      // 0 for an unknown chip
   ChipProperties properties;
   int32_t max_surface_pitch;  // elements; 0 = not listed
-  uint32_t padding_n;         // units of the extra padding
-  bool supported;             // the alignment rules of family_id hold for its surfaces
-  uint8_t ubwc;               // UbwcGroup bits
+  uint32_t extra_padding_units;
+  bool supported;  // the alignment rules of family_id hold for its surfaces
+  uint8_t ubwc;    // UbwcGroup bits
 };
 static_assert(sizeof(ChipRow) == 64, "a row's address is one shift and one addition");
 
@@ -78,7 +78,8 @@ constexpr ChipRow resolved_row(const ChipData& chip) {
       .rev_id = chip.rev_id,
       .properties = chip_properties(chip.columns),
       .max_surface_pitch = model.max_surface_pitch,
-      .padding_n = family_data(chip.family_id).padding_f * model.padding_g,
+      .extra_padding_units =
+          family_data(chip.family_id).extra_padding_units * model.extra_padding_factor,
       .supported = chip.supported,
       .ubwc = ubwc_groups(chip.ubwc),
   };

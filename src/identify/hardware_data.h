@@ -10,20 +10,19 @@
 
 namespace korvel {
 
-// A family's factor of the extra padding.
 struct FamilyData {
   uint32_t family_id;
-  uint32_t padding_f;
+  uint32_t extra_padding_units;  // of a chip whose model has the factor 1
 };
 
 // What goes by the chip's model.
 struct ModelData {
-  uint32_t model_code;           // generation byte in bits 16-23, model number in bits 0-15
-  int32_t max_surface_pitch;     // elements; 0 = not listed
-  uint32_t padding_g;            // the model's factor of the extra padding
-  bool yuv16_ext;                // formats 709-714
-  bool p016;                     // formats 105 and 715-721
-  bool family5_sample_excluded;  // cannot sample the BC4, BC5, BC6H kind of formats
+  uint32_t model_code;            // generation byte in bits 16-23, model number in bits 0-15
+  int32_t max_surface_pitch;      // elements; 0 = not listed
+  uint32_t extra_padding_factor;  // multiplies the family's units
+  bool yuv16_ext;                 // formats 709-714
+  bool p016;                      // formats 105 and 715-721
+  bool family5_sample_excluded;   // cannot sample the BC4, BC5, BC6H kind of formats
 };
 
 // Which property columns count the chip as supported. What a column then answers, and what it
@@ -63,7 +62,7 @@ struct ChipData {
 // clang-format off
 
 inline constexpr FamilyData kFamilyData[] = {
-    // family  padding_f
+    // family  extra_padding_units
     {5,        1},
     {6,        1},
     {7,        2},
@@ -73,7 +72,7 @@ inline constexpr FamilyData kFamilyData[] = {
 inline constexpr ModelData kModelData[] = {
     // model_code
     // |             max_surface_pitch
-    // |             |    padding_g
+    // |             |    extra_padding_factor
     // |             |    |   yuv16_ext
     // |             |    |   |  p016
     // |             |    |   |  |  family5_sample_excluded

@@ -23,20 +23,20 @@ constexpr MetadataHeader kHeader = {
 };
 
 // A row of one element is counted in bits and back, which drops the upper three bits of its bytes.
-constexpr uint32_t kRowBytesMask = 0x1FFFFFFF;
+constexpr uint32_t kRowMask_bytes = 0x1FFFFFFF;
 
-constexpr uint32_t surface_alignment(const ChipRow& chip, const FormatTraits& format,
-                                     uint32_t samples, uint32_t tiling_mode) {
+constexpr uint32_t surface_alignment_bytes(const ChipRow& chip, const FormatTraits& format,
+                                           uint32_t samples, uint32_t tiling_mode) {
   switch (tiling_mode) {
     case KORVEL_TILING_TILED: return chip.properties.tiled_alignment;
     case KORVEL_TILING_LINEAR:
-      return round_up<uint32_t>(format.substitute_bytes * samples & kRowBytesMask,
-                                chip.properties.pixel_alignment);
+      return round_up_pot<uint32_t>(format.substitute_bytes * samples & kRowMask_bytes,
+                                    chip.properties.pixel_alignment);
     default: return 0;
   }
 }
 
-void write_header(const ChipRow& chip, uint32_t format, uint32_t samples,
+void write_header(const ChipRow& chip, FormatId format, uint32_t samples, uint32_t tiling_mode,
                   LayoutMetadata& metadata) {
   metadata.header = kHeader;
   MemoryLayout& record = metadata.layout;
@@ -46,6 +46,7 @@ void write_header(const ChipRow& chip, uint32_t format, uint32_t samples,
   store_uuid(record.driver_uuid, kDriverUuid);
   record.format = format;
   record.samples = samples;
+  record.alignment = surface_alignment_bytes(chip, format_traits(format), samples, tiling_mode);
   record.linear_fallback = 0;
   record.levels = 1;
 }
@@ -66,12 +67,11 @@ uint32_t korvel_init_memory_layout(void* blob, int32_t width, int32_t height, in
   if (blob == nullptr) return KORVEL_FAILURE;
 
   auto& metadata = *static_cast<LayoutMetadata*>(blob);
-  const korvel::FormatTraits& traits = korvel::kFormatTraits[format];
-  korvel::write_header(chip, format, samples, metadata);
-  metadata.layout.alignment = korvel::surface_alignment(chip, traits, samples, tiling_mode);
+  korvel::write_header(chip, format, samples, tiling_mode, metadata);
   // Depth/stencil formats have passed the check as tiled ones: the mode asked for is the mode laid
   // out.
-  korvel::lay_out_single_level_surface(chip, {format, depth, samples, tiling_mode, flags, planes},
-                                       traits, {width, height}, 1, metadata.layout);
+  const korvel::Surface surface = korvel::described_surface(chip, {width, height}, depth, format,
+                                                            samples, tiling_mode, flags, planes);
+  korvel::lay_out_single_level_surface(surface, 1, metadata.layout);
   return KORVEL_SUCCESS;
 }

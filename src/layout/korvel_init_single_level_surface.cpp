@@ -1,4 +1,5 @@
 #include <korvel_utils.h>
+
 #include "identify/gpu_identity.h"
 #include "layout/record_limits.h"
 #include "layout/single_level_surface.h"
@@ -8,8 +9,9 @@ void korvel_init_single_level_surface(MemoryLayout* record, int32_t width, int32
                                       uint32_t tiling_mode, uint64_t flags, uint32_t planes) {
   constexpr const char* kName = "korvel_init_single_level_surface";
   const korvel::ChipRow& chip = korvel::identified_chip();
-  if (!korvel::levels_fit(kName, record->levels) || !korvel::planes_fit(kName, planes)) return;
-  korvel::lay_out_single_level_surface(chip, {format, depth, samples, tiling_mode, flags, planes},
-                                       korvel::format_traits(format), {width, height},
-                                       record->levels, *record);
+  const uint32_t levels = record->levels;
+  if (!korvel::levels_fit(kName, levels) || !korvel::planes_fit(kName, planes)) return;
+  const korvel::Surface surface = korvel::described_surface(chip, {width, height}, depth, format,
+                                                            samples, tiling_mode, flags, planes);
+  korvel::lay_out_single_level_surface(surface, levels, *record);
 }

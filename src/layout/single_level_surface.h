@@ -1,65 +1,80 @@
-// The layout of a single-level surface, behind the two entries that make one.
+// The layout of a surface without a mip chain, behind the two entries that make one.
 #pragma once
+
+#include <korvel_utils.h>
 
 #include <cstdint>
 
-#include <korvel_utils.h>
-#include "layout/image_plane.h"
-#include "layout/level_extent.h"
+#include "align/entries.h"
+#include "formats/extent.h"
 #include "layout/surface.h"
-#include "layout/surface_total.h"
+#include "platform/rounding.h"
 
 namespace korvel {
 
-// Linear rows of more bytes than the chip's threshold are padded.
-constexpr Surface describe_single_level_surface(const ChipRow& chip, const SurfaceRequest& request,
-                                                const FormatTraits& format) {
-  return describe_surface(chip, request, format, chip.properties.aux_alignment, 1);
+inline constexpr uint32_t kFlagRowAlignment = 16;  // rows of a flag buffer
+
+// Puts a flag buffer at `offset_bytes`. Returns its bytes.
+inline uint32_t lay_out_flag_buffer(const Surface& surface, uint32_t plane, Extent<Elements> image,
+                                    uint64_t offset_bytes, PlaneLayout& out) {
+  const ChipProperties& chip = surface.chip.properties;
+  const Extent<Tiles> tiles = tiles_that_cover(image, flag_tile(surface, plane));
+  const uint32_t rows = round_up_pot(tiles.height, kFlagRowAlignment);
+  const uint32_t pitch_bytes = round_up_pot<uint32_t>(tiles.width, chip.linear_alignment);
+  const uint32_t size_bytes = round_up_pot<uint32_t>(rows * pitch_bytes, chip.base_alignment);
+  out.flag_pitch = pitch_bytes;
+  out.flag_offset = offset_bytes;
+  out.flag_size = size_bytes;
+  return size_bytes;
 }
 
-// Lays out `levels` levels.
-[[gnu::always_inline]] inline void lay_out_levels(const Surface& surface, LevelExtent size,
-                                                  uint32_t levels, MemoryLayout& record) {
-  uint64_t end = 0;  // bytes of one slice of all planes so far
-  LevelExtent texels = first_level(size);
-  for (uint32_t l = 0; l < levels; ++l, texels = next_level(texels)) {
-    LevelLayout& level = record.level[l];
-    const LevelExtent elements = level_elements(surface, texels);
-    const uint64_t start = end;
-    for (uint32_t p = 0; p < surface.planes; ++p) {
-      end += lay_out_plane(surface, elements, p, end, level.plane[p]);
+// Puts a plane at `offset_bytes`, a flag buffer in front of its image. Returns the bytes of one
+// slice of both.
+inline uint64_t lay_out_plane(const Surface& surface, SignedExtent<Elements> size, uint32_t plane,
+                              uint64_t offset_bytes, PlaneLayout& out) {
+  const Extent<Elements> image = fdm_extent(surface.chip, size, surface.alignment, plane);
+  const uint32_t pitch_bytes = surface.element_bytes * image.width;
+  const uint32_t image_bytes =
+      round_up_pot(pitch_bytes * image.height, surface.image_alignment_bytes);
+  const uint64_t image_size_bytes =
+      round_up_pot<uint64_t>(image_bytes, surface.chip.properties.base_alignment);
+
+  uint32_t flag_bytes = 0;
+  if (surface.flag_buffers) {
+    flag_bytes = lay_out_flag_buffer(surface, plane, image, offset_bytes, out);
+    out.flag_slice_pitch = flag_bytes + image_size_bytes;
+  }
+  out.flag_valid = surface.flag_buffers ? 1 : 0;
+  out.image_offset = offset_bytes + flag_bytes;
+  out.image_size = image_size_bytes;
+  out.image_pitch = pitch_bytes;
+  out.image_slice_pitch = flag_bytes + image_size_bytes;
+  out.image_element_size = surface.element_bytes;
+  out.image_width = image.width;
+  out.image_height = image.height;
+  return flag_bytes + image_size_bytes;
+}
+
+// At most 15 levels and 3 planes; the planes of a level follow those of the level before.
+inline void lay_out_single_level_surface(const Surface& surface, uint32_t levels,
+                                         MemoryLayout& record) {
+  uint64_t end_bytes = 0;  // of one slice of all planes so far
+  SignedExtent<Texels> texels = first_level(surface.size);
+  for (uint32_t level = 0; level < levels; ++level, texels = next_level(texels)) {
+    LevelLayout& out = record.level[level];
+    const SignedExtent<Elements> elements = level_elements(surface, texels);
+    const uint64_t start_bytes = end_bytes;
+    for (uint32_t plane = 0; plane < surface.planes; ++plane) {
+      end_bytes += lay_out_plane(surface, elements, plane, end_bytes, out.plane[plane]);
     }
-    level.slices = static_cast<uint32_t>(surface.depth);
-    level.tiled = surface.alignment.tiling_mode;
-    level.planes = surface.planes;
-    level.size = times_depth(surface, end - start);
-    level.lrz_valid = 0;
-    level.lrz_fc_valid = 0;
+    out.slices = static_cast<uint32_t>(surface.depth);
+    out.tiled = surface.alignment.tiling_mode;
+    out.planes = surface.planes;
+    out.size = bytes_of_all_slices(surface, end_bytes - start_bytes);
+    out.lrz_valid = 0;
+    out.lrz_fc_valid = 0;
   }
-  finish_surface(surface, times_depth(surface, end), record);
-}
-
-// Levels of any number of planes, at most 3.
-[[gnu::noinline]] inline void lay_out_several_planes(const ChipRow& chip,
-                                                     const SurfaceRequest& request,
-                                                     LevelExtent size, uint32_t levels,
-                                                     MemoryLayout& record) {
-  const FormatTraits& format = format_traits(request.format_id);
-  lay_out_levels(describe_single_level_surface(chip, request, format), size, levels, record);
-}
-
-// At most 15 levels and 3 planes. The caller's copy is for a single plane, without a loop.
-[[gnu::always_inline]] inline void lay_out_single_level_surface(const ChipRow& chip,
-                                                                const SurfaceRequest& request,
-                                                                const FormatTraits& format,
-                                                                LevelExtent size, uint32_t levels,
-                                                                MemoryLayout& record) {
-  if (request.planes != 1) {
-    return lay_out_several_planes(chip, stored_copy(request), size, levels, record);
-  }
-  Surface surface = describe_single_level_surface(chip, request, format);
-  surface.planes = 1;
-  lay_out_levels(surface, size, levels, record);
+  finish_record(surface, bytes_of_all_slices(surface, end_bytes), record);
 }
 
 }  // namespace korvel

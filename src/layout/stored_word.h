@@ -14,3 +14,7 @@ inline Word stored_word(const unsigned char* record, std::size_t offset) {
 }
 
 }  // namespace korvel
+
+// The word of a field of `record_type` in the bytes of such a record.
+#define KORVEL_STORED(bytes, record_type, field) \
+  korvel::stored_word<decltype(record_type::field)>(bytes, offsetof(record_type, field))

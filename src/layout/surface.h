@@ -1,88 +1,113 @@
-// A surface to be laid out: the caller's description, and what follows from it for every plane and
-// level.
+// A surface to be laid out: what the caller of an initialiser asks for, and what follows from it for
+// every plane and level.
 #pragma once
 
+#include <korvel_utils.h>
+
+#include <algorithm>
 #include <cstdint>
 
-#include <korvel_utils.h>
 #include "align/alignment_request.h"
 #include "align/extra_padding.h"
+#include "formats/compressed_extent.h"
+#include "formats/extent.h"
 #include "formats/format_traits.h"
 #include "formats/sample_tile_dims.h"
 #include "formats/ubwc_formats.h"
 #include "identify/chip_row.h"
+#include "platform/division.h"
+#include "platform/rounding.h"
 
 namespace korvel {
 
-// Tiled surfaces would take another one, but only linear rows are padded.
-inline constexpr uint32_t kSelectorLinear = 1;
-
 struct Surface {
   const ChipRow& chip;
-  AlignmentRequest alignment;  // what its planes are aligned for
-  int32_t depth;               // slices; sizes are multiplied by its 64-bit sign extension
+  AlignmentRequest alignment;  // of its planes
+  SignedExtent<Texels> size;   // of level 0
+  int32_t depth;               // slices
   uint32_t planes;
-  uint32_t element_size;    // bytes of an element, all samples
-  uint32_t mode_alignment;  // bytes; what images of the tiling mode are rounded up to
-  bool flag_buffers;        // asked for, and the chip compresses the format
-  bool extra;               // the extra buffer was asked for
-  bool extended;            // together with the extra padding
+  uint32_t element_bytes;          // all samples
+  uint32_t image_alignment_bytes;  // what an image of the tiling mode is rounded up to
+  bool flag_buffers;               // asked for, and the chip compresses the format
+  bool extra;                      // the extra buffer was asked for
+  bool extended;                   // together with the extra padding
 };
 
-// What the caller of an initialiser asks for, beside the size.
-struct SurfaceRequest {
-  FormatId format_id;
-  int32_t depth;
-  uint32_t samples;
-  uint32_t tiling_mode;
-  uint64_t flags;
-  uint32_t planes;
-};
-
-// As for AlignmentRequest.
-constexpr SurfaceRequest stored_copy(const SurfaceRequest& request) {
-  return {request.format_id,   request.depth, request.samples,
-          request.tiling_mode, request.flags, request.planes};
-}
-
-constexpr Surface describe_surface(const ChipRow& chip, const SurfaceRequest& request,
-                                   const FormatTraits& format, int32_t min_padded_row_bytes,
-                                   uint32_t divisor) {
-  const bool tiled = request.tiling_mode == KORVEL_TILING_TILED;
-  const bool extra = (request.flags & LAYOUT_FLAG_EXTRA) != 0;
-  const bool extended = extra & ((request.flags & LAYOUT_FLAG_EXTENDED) != 0);
+// Arguments as the initialisers take them. Linear rows longer than the chip's threshold are padded.
+constexpr Surface described_surface(const ChipRow& chip, SignedExtent<Texels> size, int32_t depth,
+                                    FormatId format, uint32_t samples, uint32_t tiling_mode,
+                                    uint64_t flags, uint32_t planes) {
+  const ChipProperties& properties = chip.properties;
+  const bool tiled = tiling_mode == KORVEL_TILING_TILED;
+  const bool extra = (flags & LAYOUT_FLAG_EXTRA) != 0;
+  const bool extended = extra && (flags & LAYOUT_FLAG_EXTENDED) != 0;
+  AlignmentRequest alignment =
+      alignment_request(format, samples, tiling_mode, properties.aux_alignment);
+  if (extended) alignment.extra = extra_padding(chip, format);
   return {
       .chip = chip,
-      .alignment =
-          {
-              .format_id = request.format_id,
-              .format = format,
-              .samples = request.samples,
-              .tiling_mode = request.tiling_mode,
-              .selector = kSelectorLinear,
-              .min_padded_row_bytes = min_padded_row_bytes,
-              .divisor = divisor,
-              .extra = extra_padding(chip, request.format_id, extended ? 1 : 0),
-          },
-      .depth = request.depth,
-      .planes = request.planes,
-      .element_size = format.bytes * request.samples,
-      .mode_alignment = tiled ? chip.properties.tiled_alignment : chip.properties.linear_alignment,
-      .flag_buffers =
-          (request.flags & LAYOUT_FLAG_UBWC) != 0 && ubwc_supported(chip, request.format_id),
+      .alignment = alignment,
+      .size = size,
+      .depth = depth,
+      .planes = planes,
+      .element_bytes = alignment.format.bytes * samples,
+      .image_alignment_bytes = tiled ? properties.tiled_alignment : properties.linear_alignment,
+      .flag_buffers = (flags & LAYOUT_FLAG_UBWC) != 0 && ubwc_supported(chip, format),
       .extra = extra,
       .extended = extended,
   };
 }
 
-constexpr uint64_t times_depth(const Surface& surface, uint64_t bytes) {
-  return static_cast<uint64_t>(int64_t{surface.depth}) * bytes;
+// Level 0 of a size: a side below 1 counts as 1.
+constexpr SignedExtent<Texels> first_level(SignedExtent<Texels> size) {
+  return {std::max(size.width, 1), std::max(size.height, 1)};
 }
 
-// The tile of a plane's flag buffer; planes behind the first take the narrower one of two.
-constexpr SampleTile flag_tile(const Surface& surface, uint32_t plane) {
+// Half the size; a side of 1 stays.
+constexpr SignedExtent<Texels> next_level(SignedExtent<Texels> level) {
+  return first_level({level.width >> 1, level.height >> 1});
+}
+
+// Signed: what wraps below 0 is for the alignment to refuse.
+constexpr SignedExtent<Elements> level_elements(const Surface& surface,
+                                                SignedExtent<Texels> level) {
+  const FormatTraits& format = surface.alignment.format;
+  if (!has_rule(format, kRuleBlockCompressed)) return {level.width, level.height};
+  const Extent<Elements> blocks =
+      compressed_extent(format, surface.chip.properties.pixel_alignment, level);
+  return {static_cast<int32_t>(blocks.width), static_cast<int32_t>(blocks.height)};
+}
+
+// The tile of elements that one byte of a plane's flag buffer stands for; planes behind the first
+// take the narrower one of two. 0 x 0 where none is known.
+constexpr Extent<Elements> flag_tile(const Surface& surface, uint32_t plane) {
   return sample_tile_dims(surface.chip.family_id, surface.alignment.format, plane != 0,
                           surface.alignment.samples);
+}
+
+// Faults for a tile of 0 x 0.
+constexpr Extent<Tiles> tiles_that_cover(Extent<Elements> size, Extent<Elements> tile) {
+  return {divide_rounding_up(size.width, tile.width), divide_rounding_up(size.height, tile.height)};
+}
+
+// The depth is sign-extended.
+constexpr uint64_t bytes_of_all_slices(const Surface& surface, uint64_t slice_bytes) {
+  return static_cast<uint64_t>(int64_t{surface.depth}) * slice_bytes;
+}
+
+// Writes the extra buffer and the total, the last words of a laid-out record. `surface_bytes` is
+// where the planes end. The record's alignment and size are read.
+inline void finish_record(const Surface& surface, uint64_t surface_bytes, MemoryLayout& record) {
+  record.extra_valid = surface.extra ? 1 : 0;
+  if (surface.extra) [[unlikely]] {
+    const uint64_t extra_bytes = bytes_of_all_slices(surface, KORVEL_EXTRA_SLICE_BYTES);
+    record.extra_slice_pitch = KORVEL_EXTRA_SLICE_BYTES;
+    record.extra_offset = surface_bytes;
+    record.extra_size = extra_bytes;
+    surface_bytes += extra_bytes;
+  }
+  record.extended = surface.extended ? 1 : 0;
+  record.total_size = round_up_pot<uint64_t>(surface_bytes, record.alignment) + record.size;
 }
 
 }  // namespace korvel

@@ -25,8 +25,7 @@ inline uint32_t validate_memory_layout_input_params(int32_t width, int32_t heigh
     KORVEL_LOG(kName, "Unknown Format %u", format);
     return KORVEL_FAILURE;
   }
-  const bool depth_stencil = (kFormatTraits[format].rules & kRuleDepthStencil) != 0;
-  if (depth_stencil && tiling_mode != KORVEL_TILING_TILED) {
+  if (has_rule(format_traits(format), kRuleDepthStencil) && tiling_mode != KORVEL_TILING_TILED) {
     KORVEL_LOG(kName, "Invalid configuration, cannot support linear depth/stencil");
     return KORVEL_FAILURE;
   }

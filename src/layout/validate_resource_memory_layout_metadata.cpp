@@ -1,7 +1,7 @@
 #include <cstddef>
 
 #include <korvel_utils.h>
-#include "layout/level_checks.h"
+#include "layout/plain_levels.h"
 #include "layout/record_header_checks.h"
 
 namespace korvel {
@@ -36,7 +36,7 @@ const LayoutVersion* layout_version(uint32_t stored, uint32_t callers) {
 // Who wrote the record. Returns its layout version, null after a message.
 const LayoutVersion* identity_passes(const unsigned char* record, const uint8_t* device_uuid,
                                      const uint8_t* driver_uuid) {
-  const auto signature = KORVEL_WORD(record, MemoryLayout, signature);
+  const auto signature = KORVEL_STORED(record, MemoryLayout, signature);
   if (signature != KORVEL_LAYOUT_SIGNATURE) {
     KORVEL_LOG(kName, "Metadata has bad signature %u", signature);
     return nullptr;
@@ -72,19 +72,19 @@ constexpr uint64_t sign_extended(uint32_t surface_size) {
 
 bool header_passes(const unsigned char* record, const LayoutVersion& version,
                    CheckedHeader& header) {
-  const auto size = KORVEL_WORD(record, MemoryLayout, size);
+  const auto size = KORVEL_STORED(record, MemoryLayout, size);
   if (size != version.size) {
     KORVEL_LOG(kName,
                "Size of metadata is mismatched {stored size %u, struct size: %u, version: %d }",
                size, version.size, static_cast<int32_t>(version.version));
     return false;
   }
-  const auto alignment = KORVEL_WORD(record, MemoryLayout, alignment);
+  const auto alignment = KORVEL_STORED(record, MemoryLayout, alignment);
   if (!is_alignment(alignment)) {
     KORVEL_LOG(kName, "Metadata alignment is not pot %u", alignment);
     return false;
   }
-  const auto total_size = KORVEL_WORD(record, MemoryLayout, total_size);
+  const auto total_size = KORVEL_STORED(record, MemoryLayout, total_size);
   const auto surface_size = static_cast<uint32_t>(total_size - version.size);
   if (total_size == 0 || (surface_size & (alignment - 1)) != 0) {
     KORVEL_LOG(kName, "Metadata surface size is not aligned {size %llu, alignment %u}",
@@ -94,11 +94,11 @@ bool header_passes(const unsigned char* record, const LayoutVersion& version,
   header = {
       .total_size = total_size,
       .surface_size = sign_extended(surface_size),
-      .linear_fallback = KORVEL_WORD(record, MemoryLayout, linear_fallback),
-      .levels = KORVEL_WORD(record, MemoryLayout, levels),
+      .linear_fallback = KORVEL_STORED(record, MemoryLayout, linear_fallback),
+      .levels = KORVEL_STORED(record, MemoryLayout, levels),
   };
-  return shape_passes(kName, KORVEL_WORD(record, MemoryLayout, samples), header.levels,
-                      KORVEL_WORD(record, MemoryLayout, format));
+  return shape_passes(kName, KORVEL_STORED(record, MemoryLayout, samples), header.levels,
+                      KORVEL_STORED(record, MemoryLayout, format));
 }
 
 }  // namespace

@@ -1,7 +1,7 @@
 #include <cstddef>
 
 #include <korvel_utils.h>
-#include "layout/level_checks.h"
+#include "layout/plain_levels.h"
 #include "layout/record_header_checks.h"
 
 namespace korvel {
@@ -15,12 +15,12 @@ constexpr std::size_t kDriverSignatureWord = 0;
 // Who wrote the record, and that it is one.
 bool identity_passes(const unsigned char* record, const uint8_t* device_uuid,
                      const uint8_t* driver_uuid) {
-  const auto signature = KORVEL_WORD(record, SurfaceMetadata, signature);
+  const auto signature = KORVEL_STORED(record, SurfaceMetadata, signature);
   if (signature != KORVEL_SURFACE_SIGNATURE) {
     KORVEL_LOG(kName, "Metadata has bad signature %u", signature);
     return false;
   }
-  const auto size = KORVEL_WORD(record, SurfaceMetadata, size);
+  const auto size = KORVEL_STORED(record, SurfaceMetadata, size);
   if (size != KORVEL_SURFACE_BYTES) {
     KORVEL_LOG(kName, "Size of metadata is mismatched {stored size %u, struct size %u}", size,
                uint32_t{KORVEL_SURFACE_BYTES});
@@ -45,17 +45,17 @@ bool identity_passes(const unsigned char* record, const uint8_t* device_uuid,
 }
 
 bool header_passes(const unsigned char* record, CheckedHeader& header) {
-  const auto guid = KORVEL_WORD(record, SurfaceMetadata, guid);
+  const auto guid = KORVEL_STORED(record, SurfaceMetadata, guid);
   if (guid == 0) {
     KORVEL_LOG(kName, "Metadata guid has invalid value %u", 0U);
     return false;
   }
-  const auto alignment = KORVEL_WORD(record, SurfaceMetadata, alignment);
+  const auto alignment = KORVEL_STORED(record, SurfaceMetadata, alignment);
   if (!is_alignment(alignment)) {
     KORVEL_LOG(kName, "Metadata alignment is not pot %u", alignment);
     return false;
   }
-  const auto total_size = KORVEL_WORD(record, SurfaceMetadata, total_size);
+  const auto total_size = KORVEL_STORED(record, SurfaceMetadata, total_size);
   const uint64_t surface_size = total_size - KORVEL_SURFACE_BYTES;
   if (total_size == 0 || (surface_size & (alignment - 1)) != 0) {
     KORVEL_LOG(kName, "Metadata surface size is not aligned {size %llu, alignment %u}",
@@ -65,11 +65,11 @@ bool header_passes(const unsigned char* record, CheckedHeader& header) {
   header = {
       .total_size = total_size,
       .surface_size = surface_size,
-      .linear_fallback = KORVEL_WORD(record, SurfaceMetadata, linear_fallback),
-      .levels = KORVEL_WORD(record, SurfaceMetadata, levels),
+      .linear_fallback = KORVEL_STORED(record, SurfaceMetadata, linear_fallback),
+      .levels = KORVEL_STORED(record, SurfaceMetadata, levels),
   };
-  return shape_passes(kName, KORVEL_WORD(record, SurfaceMetadata, samples), header.levels,
-                      KORVEL_WORD(record, SurfaceMetadata, format));
+  return shape_passes(kName, KORVEL_STORED(record, SurfaceMetadata, samples), header.levels,
+                      KORVEL_STORED(record, SurfaceMetadata, format));
 }
 
 }  // namespace

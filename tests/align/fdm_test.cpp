@@ -116,9 +116,9 @@ constexpr PaddingRow kPaddings[] = {{1, 16, 16}, {2, 32, 32},   {3, 48, 48},   {
 PaddingRow padding_of(const harness::ChipData& chip) {
   uint32_t family_factor = 0;
   for (const korvel::FamilyData& family : korvel::kFamilyData) {
-    if (family.family_id == chip.family_id) family_factor = family.padding_f;
+    if (family.family_id == chip.family_id) family_factor = family.extra_padding_units;
   }
-  const uint32_t n = family_factor * harness::model_of(chip).padding_g;
+  const uint32_t n = family_factor * harness::model_of(chip).extra_padding_factor;
   for (const PaddingRow& row : kPaddings) {
     if (row.n == n) return row;
   }

@@ -1,0 +1,91 @@
+// What the alignment entries have in common: the checks, and the alignments behind them with the
+// messages that they carry.
+#pragma once
+
+#include <korvel_utils.h>
+
+#include <cstdint>
+
+#include "align/alignment_request.h"
+#include "align/extra_padding.h"
+#include "align/family5_rules.h"
+#include "align/family67_rules.h"
+#include "formats/extent.h"
+#include "identify/gpu_identity.h"
+#include "platform/log.h"
+
+namespace korvel {
+
+// Whether the alignment rules know the surfaces of the GPU of this machine.
+inline bool is_supported_chip() {
+  return identified_chip().supported;
+}
+
+// The size of what the rules do not see, after its message: a negative size, or any on a chip whose
+// surfaces they do not know. `function` is the name that the message carries.
+[[gnu::cold, gnu::noinline]] inline Extent<Elements> refused_extent(const char* function,
+                                                                    int32_t width, int32_t height) {
+  if (width < 0 || height < 0) {
+    KORVEL_LOG(function, "Invalid width or height: W = %d, H = %d", width, height);
+    return {1, 1};
+  }
+  KORVEL_LOG(function, "Unknown Chip ID %d", static_cast<int32_t>(reported_chip_id()));
+  return {static_cast<uint32_t>(width), static_cast<uint32_t>(height)};
+}
+
+// Sizes that pass go to the rules, as rules(size).
+template <typename Rules>
+inline Extent<Elements> checked_extent(const char* function, const ChipRow& chip,
+                                       SignedExtent<Elements> size, Rules rules) {
+  if (is_negative(size) || !chip.supported) [[unlikely]] {
+    return refused_extent(function, size.width, size.height);
+  }
+  return rules(
+      Extent<Elements>{static_cast<uint32_t>(size.width), static_cast<uint32_t>(size.height)});
+}
+
+constexpr Extent<Elements> aligned_extent(const ChipRow& chip, Extent<Elements> size,
+                                          const AlignmentRequest& request, uint32_t plane) {
+  return chip.family_id == 5 ? align_family5(chip, size, request, plane)
+                             : align_family67(chip, size, request, plane);
+}
+
+// The full alignment of a plane.
+inline Extent<Elements> full_extent(const ChipRow& chip, SignedExtent<Elements> size,
+                                    const AlignmentRequest& request, uint32_t plane) {
+  return checked_extent(
+      "compute_fmt_aligned_width_and_height", chip, size,
+      [&](Extent<Elements> checked) { return aligned_extent(chip, checked, request, plane); });
+}
+
+// The same as the layouts use it, with a divisor and extra padding.
+inline Extent<Elements> fdm_extent(const ChipRow& chip, SignedExtent<Elements> size,
+                                   const AlignmentRequest& request, uint32_t plane) {
+  return checked_extent(
+      "compute_fmt_aligned_width_and_height_fdm", chip, size,
+      [&](Extent<Elements> checked) { return aligned_extent(chip, checked, request, plane); });
+}
+
+// The smallest alignment of a plane that the hardware takes.
+inline Extent<Elements> minimal_extent(const ChipRow& chip, SignedExtent<Elements> size,
+                                       const AlignmentRequest& request, uint32_t plane) {
+  constexpr const char* kName = "compute_fmt_minimal_aligned_width_and_height";
+  return checked_extent(kName, chip, size, [&](Extent<Elements> checked) {
+    return chip.family_id == 5 ? align_minimally_family5(chip, checked, request, plane)
+                               : align_family67(chip, checked, request, plane);
+  });
+}
+
+// The alignment that knows no format: only the format-aware entries do any aligning. On a supported
+// chip a size that passes leaves the outputs as they are.
+inline void align_without_format(SignedExtent<Elements> size, uint32_t* out_width,
+                                 uint32_t* out_height) {
+  const ChipRow& chip = identified_chip();
+  if (!is_negative(size) && chip.supported) return;
+  const Extent<Elements> refused =
+      refused_extent("compute_aligned_width_and_height", size.width, size.height);
+  *out_width = refused.width;
+  *out_height = refused.height;
+}
+
+}  // namespace korvel
