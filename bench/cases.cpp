@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <random>
+#include <vector>
 
 #include "bench/floors.h"
 #include "simulator/hxl_sim.h"
@@ -34,35 +35,37 @@ uint32_t out_height;
 uint32_t out_bytes;
 volatile uint64_t sink;
 
+harness::Library library;
+
 void lay_out(uint32_t format, uint32_t samples, uint32_t tiling_mode, uint64_t flags,
              uint32_t planes) {
-  sink =
-      korvel_init_memory_layout(&blob, 1920, 1080, 1, format, samples, tiling_mode, flags, planes);
+  sink = library.korvel_init_memory_layout(&blob, 1920, 1080, 1, format, samples, tiling_mode,
+                                           flags, planes);
 }
 
 void lay_out_surface(uint32_t format) {
   surface.levels = 1;
   surface.alignment = 4096;
   surface.size = sizeof surface;
-  korvel_init_single_level_surface(&surface, 1920, 1080, 1, format, 1, KORVEL_TILING_TILED, 0, 1);
+  library.korvel_init_single_level_surface(&surface, 1920, 1080, 1, format, 1, KORVEL_TILING_TILED,
+                                           0, 1);
 }
 
 void lay_out_chain(uint32_t levels, uint64_t flags) {
   chain.levels = levels;
   chain.alignment = 4096;
   chain.size = sizeof chain;
-  korvel_init_multi_level_surface(&chain, 2048, 2048, 1, kR8G8B8A8Unorm, 1, KORVEL_TILING_TILED,
-                                  flags, 1);
+  library.korvel_init_multi_level_surface(&chain, 2048, 2048, 1, kR8G8B8A8Unorm, 1,
+                                          KORVEL_TILING_TILED, flags, 1);
 }
 
 // Formats in an order that no branch predictor learns: used ids, unused ones, and some beyond all.
-constexpr std::size_t kMixedFormats = 1'000'000;
 constexpr uint32_t kFormatsToMix = 730;
-uint16_t mixed_formats[kMixedFormats];
+std::vector<uint16_t> mixed_formats;
 
 uint32_t next_format() {
   static std::size_t next = 0;
-  if (next == kMixedFormats) next = 0;
+  if (next == mixed_formats.size()) next = 0;
   return mixed_formats[next++];
 }
 
@@ -71,8 +74,9 @@ uint32_t next_format_of_the_table() {
   return next_format() % kLastFormat + 1;
 }
 
-void mix_formats() {
+void mix_formats(std::size_t count) {
   std::mt19937 random(1);  // the same order in every run
+  mixed_formats.resize(count);
   for (uint16_t& format : mixed_formats) format = static_cast<uint16_t>(random() % kFormatsToMix);
 }
 
@@ -101,83 +105,89 @@ constexpr Case kCases[] = {
     {"chain/12 levels", CHAIN, "floor/chain 12", [] { lay_out_chain(12, 0); }},
     {"chain/12 levels ubwc", CHAIN, "floor/chain 12", [] { lay_out_chain(12, LAYOUT_FLAG_UBWC); }},
     {"predicate/renderable", "isFormatRenderableByGpu", "floor/look-up",
-     [] { sink = isFormatRenderableByGpu(kR8G8B8A8Unorm, 0); }},
+     [] { sink = library.isFormatRenderableByGpu(kR8G8B8A8Unorm, 0); }},
     {"predicate/renderable random", "isFormatRenderableByGpu", "floor/look-up random",
-     [] { sink = isFormatRenderableByGpu(static_cast<int32_t>(next_format()), 0); }},
+     [] { sink = library.isFormatRenderableByGpu(static_cast<int32_t>(next_format()), 0); }},
     {"predicate/sampleable", "isFormatSampleableByGpu", "floor/look-up",
-     [] { sink = isFormatSampleableByGpu(kR8G8B8A8Unorm, 1, 0); }},
+     [] { sink = library.isFormatSampleableByGpu(kR8G8B8A8Unorm, 1, 0); }},
     {"predicate/sampleable random", "isFormatSampleableByGpu", "floor/look-up random",
-     [] { sink = isFormatSampleableByGpu(static_cast<int32_t>(next_format()), 1, 0); }},
+     [] { sink = library.isFormatSampleableByGpu(static_cast<int32_t>(next_format()), 1, 0); }},
     {"predicate/ubwc", "isUBWCSupportedByGpu", "floor/look-up",
-     [] { sink = isUBWCSupportedByGpu(kR8G8B8A8Unorm); }},
+     [] { sink = library.isUBWCSupportedByGpu(kR8G8B8A8Unorm); }},
     {"predicate/ubwc random", "isUBWCSupportedByGpu", "floor/look-up random",
-     [] { sink = isUBWCSupportedByGpu(next_format()); }},
+     [] { sink = library.isUBWCSupportedByGpu(next_format()); }},
     {"validate/layout 15 x 3", "validate_resource_memory_layout_metadata", "floor/read layout",
      [] {
-       sink = validate_resource_memory_layout_metadata(&full_record, device_uuid, driver_uuid);
+       sink =
+           library.validate_resource_memory_layout_metadata(&full_record, device_uuid, driver_uuid);
      }},
     {"validate/surface 15 x 3", "validate_surface_metadata", "floor/read surface",
-     [] { sink = validate_surface_metadata(&full_surface, device_uuid, driver_uuid); }},
+     [] { sink = library.validate_surface_metadata(&full_surface, device_uuid, driver_uuid); }},
     {"align/full tiled", "compute_fmt_aligned_width_and_height", nullptr,
      [] {
-       compute_fmt_aligned_width_and_height(1920, 1080, 0, kR8G8B8A8Unorm, 1, 1, 0, 512, &out_width,
-                                            &out_height);
+       library.compute_fmt_aligned_width_and_height(1920, 1080, 0, kR8G8B8A8Unorm, 1, 1, 0, 512,
+                                                    &out_width, &out_height);
      }},
     {"align/full linear", "compute_fmt_aligned_width_and_height", nullptr,
      [] {
-       compute_fmt_aligned_width_and_height(1920, 1080, 0, kR8G8B8A8Unorm, 1, 0, 0, 512, &out_width,
-                                            &out_height);
+       library.compute_fmt_aligned_width_and_height(1920, 1080, 0, kR8G8B8A8Unorm, 1, 0, 0, 512,
+                                                    &out_width, &out_height);
      }},
     {"align/fdm tiled", "compute_fmt_aligned_width_and_height_fdm", nullptr,
      [] {
-       compute_fmt_aligned_width_and_height_fdm(1920, 1080, 0, kR8G8B8A8Unorm, 1, 1, 2, 512, 1, 0,
-                                                &out_width, &out_height);
+       library.compute_fmt_aligned_width_and_height_fdm(1920, 1080, 0, kR8G8B8A8Unorm, 1, 1, 2, 512,
+                                                        1, 0, &out_width, &out_height);
      }},
     {"align/minimal linear", "compute_fmt_minimal_aligned_width_and_height", nullptr,
      [] {
-       compute_fmt_minimal_aligned_width_and_height(1920, 1080, 0, kR8G8B8A8Unorm, 1, 0, 1, 1, 512,
-                                                    4, 0, &out_width, &out_height);
+       library.compute_fmt_minimal_aligned_width_and_height(1920, 1080, 0, kR8G8B8A8Unorm, 1, 0, 1,
+                                                            1, 512, 4, 0, &out_width, &out_height);
      }},
     {"align/in bytes", "compute_fmt_aligned_width_and_height_in_bytes", nullptr,
      [] {
        uint32_t tiling_mode = 1;
        const AlignInBytesParams params = {1920, 1080, 0, kR8G8B8A8Unorm, 1, 1, 512, &tiling_mode};
        const AlignInBytesResult result = {&out_bytes, &out_width, &out_height};
-       compute_fmt_aligned_width_and_height_in_bytes(&params, &result);
+       library.compute_fmt_aligned_width_and_height_in_bytes(&params, &result);
      }},
     {"align/basic", "compute_aligned_width_and_height", nullptr,
-     [] { compute_aligned_width_and_height(1920, 1080, 0, 0, 0, 0, &out_width, &out_height); }},
+     [] {
+       library.compute_aligned_width_and_height(1920, 1080, 0, 0, 0, 0, &out_width, &out_height);
+     }},
     {"align/surface padding", "compute_surface_padding", nullptr,
-     [] { sink = compute_surface_padding(1920, 0, 1, 0, 0); }},
+     [] { sink = library.compute_surface_padding(1920, 0, 1, 0, 0); }},
     {"align/compressed", "compute_compressedfmt_aligned_width_and_height", nullptr,
      [] {
-       compute_compressedfmt_aligned_width_and_height(1920, 1080, kBc1Unorm, 0, 0, 0, &out_width,
-                                                      &out_height, &out_bytes);
+       library.compute_compressedfmt_aligned_width_and_height(1920, 1080, kBc1Unorm, 0, 0, 0,
+                                                              &out_width, &out_height, &out_bytes);
      }},
-    {"align/pixel", "get_gpu_pixel_alignment", nullptr, [] { sink = get_gpu_pixel_alignment(); }},
+    {"align/pixel", "get_gpu_pixel_alignment", nullptr,
+     [] { sink = library.get_gpu_pixel_alignment(); }},
     {"align/slice pitch", "get_slice_pitch_alignment", nullptr,
-     [] { sink = get_slice_pitch_alignment(1); }},
+     [] { sink = library.get_slice_pitch_alignment(1); }},
     {"uuid/device", "get_device_uuid", nullptr,
      [] {
-       sink = static_cast<uint32_t>(get_device_uuid(device_uuid, 16, 6, 0x060316, 0x0316000A));
+       sink =
+           static_cast<uint32_t>(library.get_device_uuid(device_uuid, 16, 6, 0x060316, 0x0316000A));
      }},
     {"uuid/override", "get_override_device_uuid", nullptr,
      [] {
        sink = static_cast<uint32_t>(
-           get_override_device_uuid(other_uuid, 16, 6, 0x060316, 0x0316000A, 1));
+           library.get_override_device_uuid(other_uuid, 16, 6, 0x060316, 0x0316000A, 1));
      }},
     {"uuid/driver", "get_driver_uuid", nullptr,
-     [] { sink = static_cast<uint32_t>(get_driver_uuid(driver_uuid, 16)); }},
+     [] { sink = static_cast<uint32_t>(library.get_driver_uuid(driver_uuid, 16)); }},
     {"uuid/text", "uuid_to_str", nullptr,
      [] {
-       sink = static_cast<uint32_t>(uuid_to_str(text, sizeof text, device_uuid, KORVEL_UUID_BYTES));
+       sink = static_cast<uint32_t>(
+           library.uuid_to_str(text, sizeof text, device_uuid, KORVEL_UUID_BYTES));
      }},
     {"secure context", "isSecureContextSupportedByGpu", nullptr,
-     [] { sink = isSecureContextSupportedByGpu(); }},
+     [] { sink = library.isSecureContextSupportedByGpu(); }},
     {"blob/size", "korvel_get_metadata_blob_size", nullptr,
-     [] { sink = korvel_get_metadata_blob_size(); }},
+     [] { sink = library.korvel_get_metadata_blob_size(); }},
     {"blob/buffer size", "korvel_get_aligned_gpu_buffer_size", nullptr,
-     [] { sink = korvel_get_aligned_gpu_buffer_size(&blob); }},
+     [] { sink = library.korvel_get_aligned_gpu_buffer_size(&blob); }},
     {"floor/layout", "floor_copy_layout", nullptr,
      [] { floor_copy_layout(&floor_blob, &blob, 1, 1); }},
     {"floor/chain 11", "floor_copy_layout", nullptr,
@@ -226,8 +236,8 @@ void fill_record(Record& record) {
 }
 
 void fill_uuids(uint8_t* device, uint8_t* driver) {
-  get_device_uuid(device, KORVEL_UUID_BYTES, 6, 0x060316, 0x0316000A);
-  get_driver_uuid(driver, KORVEL_UUID_BYTES);
+  library.get_device_uuid(device, KORVEL_UUID_BYTES, 6, 0x060316, 0x0316000A);
+  library.get_driver_uuid(driver, KORVEL_UUID_BYTES);
 }
 
 void expect_valid(uint32_t status, const char* record) {
@@ -242,10 +252,11 @@ std::span<const Case> cases() {
   return kCases;
 }
 
-void prepare() {
+const harness::Library& prepare(std::size_t formats) {
   hxl_sim_set_chip(kChip);
   hxl_sim_set_recording(0);
-  mix_formats();
+  library = harness::load_library();
+  mix_formats(formats);
   lay_out(kR8G8B8A8Unorm, 1, 1, LAYOUT_FLAG_UBWC, 1);
 
   fill_uuids(device_uuid, driver_uuid);
@@ -264,10 +275,12 @@ void prepare() {
       plane.actual_height = 15;
     }
   }
-  expect_valid(validate_resource_memory_layout_metadata(&full_record, device_uuid, driver_uuid),
-               "layout record");
-  expect_valid(validate_surface_metadata(&full_surface, device_uuid, driver_uuid),
+  expect_valid(
+      library.validate_resource_memory_layout_metadata(&full_record, device_uuid, driver_uuid),
+      "layout record");
+  expect_valid(library.validate_surface_metadata(&full_surface, device_uuid, driver_uuid),
                "surface record");
+  return library;
 }
 
 }  // namespace bench

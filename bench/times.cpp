@@ -5,7 +5,8 @@
 #include "bench/cases.h"
 
 int main(int argc, char** argv) {
-  bench::prepare();
+  constexpr std::size_t kMixedFormats = 1'000'000;  // too many for a branch predictor to learn
+  bench::prepare(kMixedFormats);
   for (const bench::Case& c : bench::cases()) {
     benchmark::RegisterBenchmark(c.name, [run = c.run](benchmark::State& state) {
       for (auto _ : state) run();

@@ -5,7 +5,7 @@ test_packages=(clang libclang-rt-14-dev clang-format clang-tidy libgtest-dev lib
                libbenchmark-dev binutils pkg-config)
 windows_packages=(clang-19 lld-19 llvm-19 libc++-19-dev mingw-w64-common)
 arm64_packages=(g++-aarch64-linux-gnu qemu-user googletest)
-bench_packages=(libbenchmark-dev valgrind)
+bench_packages=(libbenchmark-dev libgtest-dev libgmock-dev valgrind)
 
 install_packages() {
   local missing=() package

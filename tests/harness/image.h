@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -25,6 +26,7 @@ class Image {
 
   // Where an export begins. It has the Windows calling convention.
   uintptr_t export_address(const char* name) const;
+  std::span<const char> bytes() const { return {base_, header_.image_size}; }
 
  private:
   void read(const char* path);
