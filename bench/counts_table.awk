@@ -28,6 +28,7 @@ FNR == 1 {
   target = FILENAME
   sub(/.*\//, "", target)
   targets[++target_count] = target
+  counted[target] = 1
 }
 target_count == 1 { names[++case_count] = $1; known[$1] = 1 }
 { counts[$1, target] = $2 }
@@ -51,7 +52,10 @@ function check_budget(name, target, count, budget) {
   }
 }
 
-function check_cases(    name) {
+function check_names(    name, target) {
+  for (target in budget_column) {
+    if (!(target in counted)) complain("budgets for '" target "', which is no target")
+  }
   for (name in budget_line) {
     if (!(name in known)) complain("a budget for '" name "', which is no case")
     else if (is_floor(name)) complain("a budget for '" name "', which is nothing of the library")
@@ -78,6 +82,6 @@ END {
     }
     printf "\n"
   }
-  if (check) check_cases()
+  if (check) check_names()
   exit wrong
 }
