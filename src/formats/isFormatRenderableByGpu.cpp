@@ -1,7 +1,5 @@
 #include <korvel_utils.h>
 #include "formats/capabilities.h"
-#include "formats/unknown_family.h"
-#include "identify/gpu_identity.h"
 
 namespace korvel {
 namespace {
@@ -40,11 +38,8 @@ constexpr CapabilityMasks kMasks = capability_masks(kLists);
 }  // namespace korvel
 
 uint32_t isFormatRenderableByGpu(int32_t format, int32_t depth_stencil_use) {
-  const uint32_t row = korvel::identified_row();
-  if (row < korvel::kRowFirstChip) [[unlikely]] {
-    return korvel::answer_unknown_family("isFormatRenderableByGpu", row);
-  }
-  const korvel::Use use = depth_stencil_use != 0 ? korvel::kDepthStencil : korvel::kColour;
   // Negative numbers become large ones, which no list names.
-  return korvel::is_capable(korvel::kMasks, row, static_cast<uint32_t>(format), use) ? 1 : 0;
+  const auto id = static_cast<uint32_t>(format);
+  const uint32_t use = korvel::use_asked_about(depth_stencil_use != 0, false);
+  return korvel::answer_capability(id, use, korvel::kMasks, "isFormatRenderableByGpu");
 }

@@ -1,7 +1,5 @@
 #include <korvel_utils.h>
 #include "formats/capabilities.h"
-#include "formats/unknown_family.h"
-#include "identify/gpu_identity.h"
 
 namespace korvel {
 namespace {
@@ -43,21 +41,13 @@ static_assert(lists_are_disjoint(kLists));
 
 constexpr CapabilityMasks kMasks = capability_masks(kLists);
 
-constexpr Use use_asked_about(uint32_t sample_count, int32_t depth_stencil_view) {
-  if (depth_stencil_view != 0) return kDepthStencil;
-  return sample_count < 2 ? kColour : kColourMultisampled;
-}
-
 }  // namespace
 }  // namespace korvel
 
 uint32_t isFormatSampleableByGpu(int32_t format, uint32_t sample_count,
                                  int32_t depth_stencil_view) {
-  const uint32_t row = korvel::identified_row();
-  if (row < korvel::kRowFirstChip) [[unlikely]] {
-    return korvel::answer_unknown_family("isFormatSampleableByGpu", row);
-  }
-  const korvel::Use use = korvel::use_asked_about(sample_count, depth_stencil_view);
   // Negative numbers become large ones, which no list names.
-  return korvel::is_capable(korvel::kMasks, row, static_cast<uint32_t>(format), use) ? 1 : 0;
+  const auto id = static_cast<uint32_t>(format);
+  const uint32_t use = korvel::use_asked_about(depth_stencil_view != 0, sample_count > 1);
+  return korvel::answer_capability(id, use, korvel::kMasks, "isFormatSampleableByGpu");
 }

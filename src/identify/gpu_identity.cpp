@@ -39,21 +39,21 @@ void read_chip_id() {
   gpu_identity.chip_id.store(chip_id, std::memory_order_relaxed);
 }
 
-uint32_t find_row(uint32_t chip_id) {
+std::size_t find_row(uint32_t chip_id) {
   const auto first = kChipRows.begin() + kRowFirstChip;
   const auto found =
       std::lower_bound(first, kChipRows.end(), chip_id,
                        [](const ChipRow& row, uint32_t sought) { return row.chip_id < sought; });
   if (found == kChipRows.end() || found->chip_id != chip_id) return kRowUnknownChip;
-  return static_cast<uint32_t>(found - kChipRows.begin());
+  return static_cast<std::size_t>(found - kChipRows.begin());
 }
 
 }  // namespace
 
-uint32_t identify_gpu() {
+std::size_t identify_gpu() {
   read_chip_id();
   const uint32_t chip_id = reported_chip_id();
-  const uint32_t row = find_row(chip_id);
+  const std::size_t row = find_row(chip_id);
   if (row == kRowUnknownChip) {
     // Family, model and revision are three questions to whoever reads the log.
     for (const char* step : {"korvel_get_family_id", "korvel_get_chip_id", "korvel_get_rev_id"}) {
@@ -61,7 +61,7 @@ uint32_t identify_gpu() {
     }
     if (chip_id == kChipIdNotIdentified) return kRowNotIdentified;
   }
-  gpu_identity.row.store(row, std::memory_order_relaxed);
+  gpu_identity.row.store(static_cast<uint32_t>(row), std::memory_order_relaxed);
   return row;
 }
 

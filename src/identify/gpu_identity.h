@@ -2,6 +2,7 @@
 #pragma once
 
 #include <atomic>
+#include <cstddef>
 #include <cstdint>
 
 #include "identify/chip_row.h"
@@ -26,17 +27,17 @@ struct GpuIdentity {
 // Asks the services library for the chip id and finds its row. Returns the row's number;
 // kRowNotIdentified when the services library could not be opened, so that the next call asks
 // again.
-[[gnu::cold]] uint32_t identify_gpu();
+[[gnu::cold]] std::size_t identify_gpu();
 
 // The number of the chip's row as far as it is known; kRowNotIdentified before the first need.
-inline uint32_t known_row() {
+inline std::size_t known_row() {
   return gpu_identity.row.load(std::memory_order_relaxed);
 }
 
 // The guard at the top of every GPU-dependent entry: the number of the chip's row, identified on
 // first need.
-inline uint32_t identified_row() {
-  const uint32_t row = known_row();
+inline std::size_t identified_row() {
+  const std::size_t row = known_row();
   return row != kRowNotIdentified ? row : identify_gpu();
 }
 

@@ -134,11 +134,12 @@ inline StoredBuffer stored_lrz_fast_clear(const unsigned char* level) {
 // `slices` is 1 or more. An end that does not fit 64 bits lies outside every surface.
 [[gnu::always_inline]] inline bool exceeds_surface(const StoredBuffer& buffer, uint32_t slices,
                                                    uint64_t surface_size_bytes) {
-  uint64_t others;
   uint64_t end;
-  return __builtin_mul_overflow(uint64_t{slices - 1}, buffer.slice_pitch, &others) ||
-         __builtin_add_overflow(buffer.offset, buffer.size, &end) ||
-         __builtin_add_overflow(end, others, &end) || end > surface_size_bytes;
+  if (__builtin_add_overflow(buffer.offset, buffer.size, &end)) return true;
+  uint64_t others;
+  if (__builtin_mul_overflow(uint64_t{slices - 1}, buffer.slice_pitch, &others)) return true;
+  if (__builtin_add_overflow(end, others, &end)) return true;
+  return end > surface_size_bytes;
 }
 
 }  // namespace korvel
