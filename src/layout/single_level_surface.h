@@ -71,8 +71,7 @@ inline void lay_out_single_level_surface(const Surface& surface, uint32_t levels
     out.tiled = surface.alignment.tiling_mode;
     out.planes = surface.planes;
     out.size = bytes_of_all_slices(surface, end_bytes - start_bytes);
-    out.lrz_valid = 0;
-    out.lrz_fc_valid = 0;
+    mark_lrz_absent(out);
   }
   finish_record(surface, bytes_of_all_slices(surface, end_bytes), record);
 }

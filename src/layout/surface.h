@@ -95,6 +95,12 @@ constexpr uint64_t bytes_of_all_slices(const Surface& surface, uint64_t slice_by
   return static_cast<uint64_t>(int64_t{surface.depth}) * slice_bytes;
 }
 
+// Layouts have no low-resolution depth.
+inline void mark_lrz_absent(LevelLayout& level) {
+  level.lrz_valid = 0;
+  level.lrz_fc_valid = 0;
+}
+
 // Writes the extra buffer and the total, the last words of a laid-out record. `surface_bytes` is
 // where the planes end. The record's alignment and size are read.
 inline void finish_record(const Surface& surface, uint64_t surface_bytes, MemoryLayout& record) {
