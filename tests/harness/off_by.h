@@ -35,9 +35,12 @@ std::string number_text(Number number) {
 // What is to be added to the expected number to get the actual one.
 template <std::integral Actual, std::integral Expected>
 std::string difference_text(Actual actual, Expected expected) {
+  const bool less = std::cmp_less(actual, expected);
   const auto a = static_cast<uint64_t>(actual);
   const auto e = static_cast<uint64_t>(expected);
-  return std::cmp_less(actual, expected) ? "-" + std::to_string(e - a) : std::to_string(a - e);
+  std::ostringstream text;
+  text << (less ? "-" : "") << (less ? e - a : a - e);
+  return text.str();
 }
 
 template <std::integral Actual, std::integral Expected>
