@@ -1,5 +1,7 @@
 // The size of a blob, and the allocation size that one names.
-#include "tests/layout/layout_records.h"
+#include "tests/harness/chips.h"
+#include "tests/harness/gpu.h"
+#include "tests/layout/same_record.h"
 
 namespace layout_test {
 namespace {

@@ -1,5 +1,8 @@
 // Chips that lack a property: what its default does to a layout.
-#include "tests/layout/layout_records.h"
+#include <gmock/gmock.h>
+
+#include "tests/layout/chosen_chips.h"
+#include "tests/layout/expected_layouts.h"
 
 namespace layout_test {
 namespace {
@@ -70,10 +73,10 @@ TEST(ChipColumns, WithoutAPixelAlignmentLinearSurfacesAreAlignedToAnElement) {
     uint32_t alignment_bytes;
   };
   for (const Row& row : {Row{.format = 61, .samples = 1, .alignment_bytes = 1},
-                         Row{.format = 508, .samples = 1, .alignment_bytes = 4},      // 3 -> 4
-                         Row{.format = 508, .samples = 2, .alignment_bytes = 4 * 2},  //
-                         Row{.format = 523, .samples = 1, .alignment_bytes = 8},      // 6 -> 8
-                         Row{.format = 6, .samples = 4, .alignment_bytes = 16 * 4},   // 12 -> 16
+                         Row{.format = 508, .samples = 1, .alignment_bytes = 4},  // 3 -> 4
+                         Row{.format = 508, .samples = 2, .alignment_bytes = 4 * 2},
+                         Row{.format = 523, .samples = 1, .alignment_bytes = 8},     // 6 -> 8
+                         Row{.format = 6, .samples = 4, .alignment_bytes = 16 * 4},  // 12 -> 16
                          Row{.format = 2, .samples = 8, .alignment_bytes = 16 * 8},
                          Row{.format = 71, .samples = 1, .alignment_bytes = 8}}) {
     const LayoutMetadata blob =
@@ -174,7 +177,7 @@ TEST(ChipColumns, AnUnknownChipIsOfNoFamily) {
     std::vector<harness::Message> messages = harness::unknown_chip_messages(chip_id);
     messages.push_back(message(kFdm, "Unknown Chip ID " + std::to_string(chip_id)));
     EXPECT_EQ(gpu.take_messages(), messages);
-    // Blocks of 4 x 4 texels and 8 bytes, one by one: 100 / 4 and 50 / 4 up.
+    // Blocks of 4 x 4 texels and 8 bytes, one by one: 100 / 4 and 50 / 4 up. Aligned to one of them.
     const LayoutMetadata blob =
         laid_out(gpu, {.format = 71, .tiling_mode = kLinear, .flags = kUbwc});
     EXPECT_NUMBER(blob.layout.alignment, 8);

@@ -1,5 +1,11 @@
 // Descriptions that are refused: which message, and that nothing is written.
-#include "tests/layout/layout_records.h"
+#include <gmock/gmock.h>
+
+#include <climits>
+
+#include "tests/harness/chips.h"
+#include "tests/layout/requests.h"
+#include "tests/layout/same_record.h"
 
 namespace layout_test {
 namespace {
@@ -133,10 +139,9 @@ TEST(InitFailures, SurfaceInitialisersRefuseTooManyPlanesAndLevels) {
     MemoryLayout before = canary<MemoryLayout>();
     before.levels = refusal.levels;
     MemoryLayout record = before;
-    gpu->korvel_init_single_level_surface(&record, 64, 64, 1, 28, 1, kTiled, kExtra,
-                                          refusal.planes);
+    init_single_level(gpu, record, {.flags = kExtra, .planes = refusal.planes});
     expect_same_record(record, before, refusal.text);
-    gpu->korvel_init_multi_level_surface(&record, 64, 64, 1, 28, 1, kTiled, kExtra, refusal.planes);
+    init_multi_level(gpu, record, {.flags = kExtra, .planes = refusal.planes});
     expect_same_record(record, before, refusal.text);
     EXPECT_EQ(gpu.take_messages(), (std::vector<harness::Message>{
                                        message("korvel_init_single_level_surface", refusal.text),

@@ -1,5 +1,11 @@
 // Blobs of one level, byte for byte.
-#include "tests/layout/layout_records.h"
+#include <gmock/gmock.h>
+
+#include <climits>
+
+#include "tests/harness/faults.h"
+#include "tests/layout/chosen_chips.h"
+#include "tests/layout/expected_layouts.h"
 
 namespace layout_test {
 namespace {
@@ -135,7 +141,7 @@ constexpr Case kCases[] = {
      .expected = {.element_bytes = 3, .width_el = 256, .rows = 50,
                   .pitch_bytes = 256 * 3, .image_bytes = 10 * 4096,
                   .surface_bytes = 40960}},
-    // Tiles of 64 x 32: 384 x 64 is 6 pages.
+    // Tiles of 64 x 16: 384 x 64 is 6 pages.
     {.what = "tiled, 3 bytes", .request = {.format = 508, .flags = kUbwc},
      .expected = {.element_bytes = 3, .width_el = 128, .rows = 64,
                   .pitch_bytes = 128 * 3, .image_bytes = 384 * 64,
@@ -166,7 +172,7 @@ constexpr Case kCases[] = {
      .expected = {.element_bytes = 8, .width_el = 64, .rows = 8,
                   .pitch_bytes = 64 * 8, .image_bytes = 512 * 8,
                   .surface_bytes = 4096}},
-    // 12 x 12 texels: 2 x 2 blocks, in rows of 64 and tiles of 16 x 16.
+    // 12 x 12 texels: 2 x 2 blocks, 64 wide by the pixel alignment, in tiles of 16 rows.
     {.what = "large blocks", .request = {.width_px = 13, .height_px = 13, .format = 186},
      .expected = {.element_bytes = 16, .width_el = 64, .rows = 16,
                   .pitch_bytes = 64 * 16, .image_bytes = 1024 * 16,
@@ -308,8 +314,9 @@ class Bytes {
 };
 
 TEST(InitLayout, EveryWordThatIsWritten) {
-  // Format 28, tiled, 100 x 50 x 6, with flags and the extra buffer. A slice has 4096 bytes of flags
-  // and an image of 32768: 36864; 6 slices 221184. With 6 x 8224 = 49344 bytes 270528, 67 pages.
+  // Format 28, tiled, 100 x 50 x 6, with flags and the extra buffer. A slice has 4096 bytes of
+  // flags and an image of 32768: 36864; 6 slices 221184. With 6 x 8224 = 49344 bytes 270528, 67
+  // pages.
   const harness::ChipData& chip = harness::full_chip(7);
   const harness::Gpu gpu(chip.chip_id);
   Bytes expected;

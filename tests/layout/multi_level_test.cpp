@@ -1,5 +1,9 @@
 // Mip chains.
-#include "tests/layout/layout_records.h"
+#include <gmock/gmock.h>
+
+#include "tests/harness/faults.h"
+#include "tests/layout/chosen_chips.h"
+#include "tests/layout/expected_layouts.h"
 
 namespace layout_test {
 namespace {
@@ -508,8 +512,9 @@ TEST(MultiLevel, FifteenLevels) {
 }
 
 TEST(MultiLevel, ExtentsBelowOne) {
-  // The width is rounded up to 64 first: 1 is 64, and 0, as what wraps to 0, is 1 in the end. Linear
-  // rows of 4-byte elements then take 64 bytes, 16 elements, at least. Heights count as signed.
+  // The width is rounded up to 64 first: 1 is 64, and 0, as what wraps to 0, is 1 in the end.
+  // Linear rows of 4-byte elements then take 64 bytes, 16 elements, at least. Heights count as
+  // signed.
   harness::Gpu gpu(harness::full_chip(6).chip_id);
   struct Row {
     uint32_t width_px;

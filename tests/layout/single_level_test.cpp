@@ -1,15 +1,14 @@
 // The surface initialiser called directly, on records whose head somebody else has filled.
-#include "tests/layout/layout_records.h"
+#include <gmock/gmock.h>
+
+#include <climits>
+
+#include "tests/layout/expected_layouts.h"
 
 namespace layout_test {
 namespace {
 
 using harness::message;
-
-void init(const harness::Gpu& gpu, MemoryLayout& record, const Request& r) {
-  gpu->korvel_init_single_level_surface(&record, r.width_px, r.height_px, r.depth, r.format,
-                                        r.samples, r.tiling_mode, r.flags, r.planes);
-}
 
 // The three words that are read of a record.
 struct Head {
@@ -30,7 +29,7 @@ MemoryLayout record_of(const Head& head) {
 void expect_surface(const harness::Gpu& gpu, const Head& head, const Request& request,
                     const Expected& expected, const std::string& what) {
   MemoryLayout record = record_of(head);
-  init(gpu, record, request);
+  init_single_level(gpu, record, request);
   MemoryLayout expected_record = record_of(head);
   put_surface(expected_record, request, expected);
   expect_same_record(record, expected_record, what);
@@ -139,8 +138,9 @@ TEST(SingleLevel, SizesBelowOneCountAsOne) {
 
       // One block, in rows of 64 by the pixel alignment.
       MemoryLayout record = record_of({});
-      init(gpu, record,
-           {.width_px = size_px, .height_px = size_px, .format = 71, .tiling_mode = kLinear});
+      init_single_level(
+          gpu, record,
+          {.width_px = size_px, .height_px = size_px, .format = 71, .tiling_mode = kLinear});
       EXPECT_NUMBER(record.level[0].plane[0].image_width, 64);
       EXPECT_NUMBER(record.level[0].plane[0].image_height, 1);
     }
@@ -237,7 +237,7 @@ TEST(SingleLevel, BlocksOfTheWidestSurfacesWrapToNegativeWidths) {
 TEST(SingleLevel, AnUnknownChipIsReportedForEachPlane) {
   harness::Gpu gpu(harness::kUnknownChip);
   MemoryLayout record = record_of({.levels = 2});
-  init(gpu, record, {.format = 103, .planes = 2});
+  init_single_level(gpu, record, {.format = 103, .planes = 2});
   std::vector<harness::Message> expected = harness::unknown_chip_messages(harness::kUnknownChip);
   expected.insert(expected.end(), 2 * 2,  // levels x planes
                   message("compute_fmt_aligned_width_and_height_fdm", "Unknown Chip ID 305419896"));

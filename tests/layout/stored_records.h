@@ -1,16 +1,23 @@
 // Valid records of both kinds, and what the validators say to changed ones.
 #pragma once
 
-#include <functional>
+#include <gmock/gmock.h>
 
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "tests/harness/chips.h"
+#include "tests/harness/gpu.h"
 #include "tests/harness/guarded_record.h"
-#include "tests/layout/layout_records.h"
+#include "tests/layout/same_record.h"
 #include "tests/records/valid_record.h"
 
 namespace layout_test {
 
 using records::DeviceWords;
 using records::DriverWords;
+using records::Image;
 using records::put_words;
 using records::Uuids;
 

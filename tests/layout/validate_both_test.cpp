@@ -1,5 +1,6 @@
 // The checks that both validators make, on both kinds of record. Messages print in decimal what the
 // changes store in hexadecimal.
+#include "tests/layout/requests.h"
 #include "tests/layout/stored_records.h"
 
 namespace layout_test {

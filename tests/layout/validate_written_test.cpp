@@ -1,4 +1,6 @@
 // Which of the library's own records its validator accepts, and why it refuses the others.
+#include "tests/layout/chosen_chips.h"
+#include "tests/layout/expected_layouts.h"
 #include "tests/layout/stored_records.h"
 
 namespace layout_test {
@@ -216,12 +218,6 @@ TEST(ValidateWritten, AnotherGpuOrDriverIsRefused) {
               testing::StartsWith("Metadata device version mismatch {store uuid 525a0000-0600-"));
 }
 
-void init_chain(const harness::Gpu& gpu, MemoryLayout& record, const Request& r) {
-  gpu->korvel_init_multi_level_surface(&record, static_cast<uint32_t>(r.width_px),
-                                       static_cast<uint32_t>(r.height_px), r.depth, r.format,
-                                       r.samples, r.tiling_mode, r.flags, r.planes);
-}
-
 TEST(ValidateWritten, MipChains) {
   for (const uint32_t family : kFamilies) {
     const harness::ChipData& chip = harness::full_chip(family);
@@ -237,7 +233,7 @@ TEST(ValidateWritten, MipChains) {
         LayoutMetadata blob{};
         EXPECT_NUMBER(init_layout(gpu, &blob, request), 0);
         blob.layout.levels = levels;
-        init_chain(gpu, blob.layout, request);
+        init_multi_level(gpu, blob.layout, request);
         EXPECT_EQ(verdict<ResourceKind>(gpu, blob.layout, kRecordBytes, uuids), "")
             << request.format << ", " << levels;
       }

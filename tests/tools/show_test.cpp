@@ -19,9 +19,9 @@ std::string show_on_family(uint32_t family_id, const std::string& arguments) {
   return show_on(harness::full_chip(family_id).chip_id, arguments);
 }
 
-// Tiles of 64 x 16 elements of 4 bytes: 30 x 68 of them, 1920 x 1088 elements. A byte of flags stands
-// for 16 x 4 texels: 1920 / 16 = 120 a row, rounded to 128; 1088 / 4 = 272 rows; 272 x 128 = 34816
-// bytes, 9 pages of 4096.
+// Tiles of 64 x 16 elements of 4 bytes: 30 x 68 of them, 1920 x 1088 elements. A byte of flags
+// stands for 16 x 4 texels: 1920 / 16 = 120 a row, rounded to 128; 1088 / 4 = 272 rows; 272 x 128 =
+// 34816 bytes, 9 pages of 4096.
 TEST(Show, TiledWithFlagBuffer) {
   const json shown = json_of(show_on_family(6, "--format r8g8b8a8_unorm --size 1920x1080 --ubwc"));
   const json& layout = shown.at("layout");
@@ -61,8 +61,8 @@ TEST(Show, LinearOnFamily5) {
   expect_word(shown, "gpu_buffer_size", 3 * 7 * 4096);
 }
 
-// Luma in tiles of 128 x 32, chroma in tiles of 64 x 32, one byte an element: both 1280 x 736, which
-// is 230 pages. Without --planes the format's own two.
+// Luma in tiles of 128 x 32, chroma in tiles of 64 x 32, one byte an element: both 1280 x 736,
+// which is 230 pages. Without --planes the format's own two.
 TEST(Show, TwoPlanes) {
   const json shown = json_of(show_on_family(7, "--format nv12 --size 1280x720"));
   const json& planes = shown.at("layout").at("level").at(0).at("plane");
@@ -120,8 +120,8 @@ TEST(Show, MipChain) {
   expect_word(shown, "gpu_buffer_size", 2 * kChain);
 }
 
-// Every level's flag buffer is 64 x 64 bytes; the three stand in front of the images, whose sizes are
-// those of the chain above.
+// Every level's flag buffer is 64 x 64 bytes; the three stand in front of the images, whose sizes
+// are those of the chain above.
 TEST(Show, MipChainWithFlagBuffers) {
   const json shown = json_of(show_on_family(6, "--format 28 --size 256x256 --levels 3 --ubwc"));
   const json& levels = shown.at("layout").at("level");
