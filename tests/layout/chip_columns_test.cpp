@@ -177,7 +177,7 @@ TEST(ChipColumns, AnUnknownChipIsOfNoFamily) {
     std::vector<harness::Message> messages = harness::unknown_chip_messages(chip_id);
     messages.push_back(message(kFdm, "Unknown Chip ID " + std::to_string(chip_id)));
     EXPECT_EQ(gpu.take_messages(), messages);
-    // Blocks of 4 x 4 texels and 8 bytes, one by one: 100 / 4 and 50 / 4 up. Aligned to one of them.
+    // Blocks of 4 x 4 texels and 8 bytes, one by one: 100 / 4 and 50 / 4 up; aligned to one.
     const LayoutMetadata blob =
         laid_out(gpu, {.format = 71, .tiling_mode = kLinear, .flags = kUbwc});
     EXPECT_NUMBER(blob.layout.alignment, 8);
