@@ -9,6 +9,7 @@
 
 #include "bench/floors.h"
 #include "simulator/hxl_sim.h"
+#include "tests/records/valid_record.h"
 
 namespace bench {
 namespace {
@@ -204,40 +205,17 @@ constexpr Case kCases[] = {
      [] { sink = floor_read(&full_surface, KORVEL_SURFACE_BYTES); }},
 };
 
-// A plane whose image and flag buffer pass every check.
-template <typename Plane>
-void fill_plane(Plane& plane) {
-  plane.image_size = 0x1000;
-  plane.image_pitch = 256;
-  plane.image_slice_pitch = 0x2000;
-  plane.image_element_size = 4;
-  plane.image_width = 64;
-  plane.image_height = 16;
-  plane.flag_valid = 1;
-  plane.flag_size = 0x1000;
-  plane.flag_pitch = 64;
-  plane.flag_slice_pitch = 0x2000;
-}
-
-template <typename Record>
-void fill_record(Record& record) {
-  record.total_size = record.size + 0x10000;
-  record.alignment = 4096;
-  record.format = kR8G8B8A8Unorm;
-  record.samples = 1;
-  record.levels = KORVEL_MAX_LEVELS;
-  for (auto& level : record.level) {
-    level.slices = 1;
-    level.tiled = 1;
-    level.size = 0x2000;
-    level.planes = KORVEL_MAX_PLANES;
-    for (auto& plane : level.plane) fill_plane(plane);
-  }
-}
-
 void fill_uuids(uint8_t* device, uint8_t* driver) {
   library.get_device_uuid(device, KORVEL_UUID_BYTES, 6, 0x060316, 0x0316000A);
   library.get_driver_uuid(driver, KORVEL_UUID_BYTES);
+}
+
+// All levels and planes that a record can hold.
+template <typename Kind>
+typename Kind::Record full_valid_record() {
+  records::Uuids uuids;
+  fill_uuids(uuids.device, uuids.driver);
+  return records::valid_record<Kind>({.levels = KORVEL_MAX_LEVELS, .lrz = false, .uuids = uuids});
 }
 
 void expect_valid(uint32_t status, const char* record) {
@@ -260,21 +238,8 @@ const harness::Library& prepare(std::size_t formats) {
   lay_out(kR8G8B8A8Unorm, 1, 1, LAYOUT_FLAG_UBWC, 1);
 
   fill_uuids(device_uuid, driver_uuid);
-  full_record.signature = KORVEL_LAYOUT_SIGNATURE;
-  full_record.size = sizeof full_record;
-  fill_uuids(full_record.device_uuid, full_record.driver_uuid);
-  fill_record(full_record);
-  full_surface.signature = KORVEL_SURFACE_SIGNATURE;
-  full_surface.size = sizeof full_surface;
-  full_surface.guid = 1;
-  fill_uuids(full_surface.device_uuid, full_surface.driver_uuid);
-  fill_record(full_surface);
-  for (auto& level : full_surface.level) {
-    for (auto& plane : level.plane) {
-      plane.actual_width = 60;
-      plane.actual_height = 15;
-    }
-  }
+  full_record = full_valid_record<records::ResourceKind>();
+  full_surface = full_valid_record<records::SurfaceKind>();
   expect_valid(
       library.validate_resource_memory_layout_metadata(&full_record, device_uuid, driver_uuid),
       "layout record");

@@ -5,7 +5,7 @@
 #include <cstring>
 
 #include "fuzz/raw_record.h"
-#include "fuzz/valid_record.h"
+#include "fuzz/record_shape.h"
 
 extern "C" {
 std::size_t LLVMFuzzerMutate(uint8_t* data, std::size_t size, std::size_t max_size);
@@ -36,8 +36,8 @@ template <typename Kind>
 std::size_t repair(uint8_t* bytes, std::size_t size, std::size_t max_size) {
   typename Kind::Record record = {};
   std::memcpy(&record, bytes, std::min(size, sizeof record));
-  fuzz::fill_identity<Kind>(record);
-  fuzz::set_guid(record);
+  records::put_identity<Kind>(record, fuzz::usual_uuids());
+  records::put_guid(record, records::Shape{}.guid);
   repair_header(record);
   const std::size_t repaired = std::min(sizeof record, max_size);
   std::memcpy(bytes, &record, repaired);
@@ -49,7 +49,7 @@ std::size_t store_valid(uint8_t* bytes, std::size_t max_size, uint32_t seed) {
   uint8_t drawn[2] = {};
   std::memcpy(drawn, &seed, sizeof drawn);
   fuzz::InputBytes input(drawn, sizeof drawn);
-  const typename Kind::Record record = fuzz::valid_record<Kind>(fuzz::draw_shape(input));
+  const typename Kind::Record record = records::valid_record<Kind>(fuzz::draw_shape(input));
   const std::size_t stored = std::min(sizeof record, max_size);
   std::memcpy(bytes, &record, stored);
   return stored;

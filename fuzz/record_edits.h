@@ -9,7 +9,7 @@
 
 #include "fuzz/input_bytes.h"
 #include "fuzz/record_kind.h"
-#include "fuzz/valid_record.h"
+#include "fuzz/record_shape.h"
 
 namespace fuzz {
 
@@ -63,8 +63,8 @@ inline void edit(InputBytes& input, std::span<uint8_t> record, std::size_t place
 
 template <typename Kind>
 typename Kind::Record draw_edited_record(InputBytes& input) {
-  const RecordShape shape = draw_shape(input);
-  typename Kind::Record record = valid_record<Kind>(shape);
+  const records::Shape shape = draw_shape(input);
+  typename Kind::Record record = records::valid_record<Kind>(shape);
   const std::span<uint8_t> bytes(reinterpret_cast<uint8_t*>(&record), sizeof record);
   while (!input.ended()) {
     const std::size_t place = draw_place<Kind>(input, shape.levels);

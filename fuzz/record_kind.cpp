@@ -4,9 +4,9 @@
 
 namespace fuzz {
 
-const MachineUuids& usual_uuids() {
-  static const MachineUuids uuids = [] {
-    MachineUuids made;
+const records::Uuids& usual_uuids() {
+  static const records::Uuids uuids = [] {
+    records::Uuids made;
     const Machine& machine = usual_machine();
     const reference::Identity& identity = machine.process.identity;
     machine.library.get_device_uuid(made.device, KORVEL_UUID_BYTES, identity.family_id,

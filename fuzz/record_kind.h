@@ -8,24 +8,15 @@
 
 #include <korvel_utils.h>
 #include "fuzz/machine.h"
+#include "tests/records/record_kinds.h"
+#include "tests/records/uuids.h"
 
 namespace fuzz {
 
-// The UUIDs of the machine that validates.
-struct MachineUuids {
-  uint8_t device[KORVEL_UUID_BYTES];
-  uint8_t driver[KORVEL_UUID_BYTES];
-};
+// Those of the machine that validates.
+const records::Uuids& usual_uuids();
 
-const MachineUuids& usual_uuids();
-
-struct ResourceKind {
-  using Record = MemoryLayout;
-  using Level = LevelLayout;
-  using Plane = PlaneLayout;
-  static constexpr uint32_t kSignature = KORVEL_LAYOUT_SIGNATURE;
-  static constexpr uint32_t kBytes = KORVEL_LAYOUT_BYTES_VERSION_3;
-
+struct ResourceKind : records::ResourceKind {
   // What the validator may read of a record: a version ends where its size says.
   static std::size_t readable_bytes(std::span<const uint8_t> record);
   static uint32_t validate(const harness::Library& library, const void* record);
@@ -35,13 +26,7 @@ struct ResourceKind {
   static bool bound_is_exact(uint64_t bound) { return bound < (uint64_t{1} << 31); }
 };
 
-struct SurfaceKind {
-  using Record = SurfaceMetadata;
-  using Level = SurfaceLevel;
-  using Plane = SurfacePlane;
-  static constexpr uint32_t kSignature = KORVEL_SURFACE_SIGNATURE;
-  static constexpr uint32_t kBytes = KORVEL_SURFACE_BYTES;
-
+struct SurfaceKind : records::SurfaceKind {
   static std::size_t readable_bytes(std::span<const uint8_t>) { return kBytes; }
   static uint32_t validate(const harness::Library& library, const void* record);
   static uint32_t rules(reference::Process& process, const void* record);

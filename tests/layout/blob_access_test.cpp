@@ -1,12 +1,14 @@
 // The size of a blob, and the allocation size that one names.
-#include "tests/layout/layout_records.h"
+#include "tests/harness/chips.h"
+#include "tests/harness/gpu.h"
+#include "tests/layout/same_record.h"
 
 namespace layout_test {
 namespace {
 
 TEST(BlobAccess, ABlobHas5536Bytes) {
   harness::Gpu gpu(harness::kUnknownChip);
-  EXPECT_EQ(gpu->korvel_get_metadata_blob_size(), 5536u);
+  EXPECT_NUMBER(gpu->korvel_get_metadata_blob_size(), 5536);
   EXPECT_TRUE(gpu.take_calls().empty());  // no GPU is asked
   EXPECT_TRUE(gpu.take_messages().empty());
 }
@@ -15,16 +17,22 @@ TEST(BlobAccess, TheAllocationIsTheTotalLessTheRecord) {
   struct Row {
     uint64_t total_size;
     uint32_t size;
-    uint64_t expected;
+    uint64_t allocation_bytes;
   };
   constexpr Row kRows[] = {
-      {5512, 5512, 0},
-      {5512 + 4096, 5512, 4096},
-      {5472 + 64, 5472, 64},
-      {5512 + 0x100000000, 5512, 0x100000000},
-      {0x123456789ABCDEF0, 0x9ABCDEF0, 0x1234567800000000},
-      {0, 1, 0xFFFFFFFFFFFFFFFF},                            // it wraps,
-      {0xFFFFFFFFFFFFFFFF, 0xFFFFFFFF, 0xFFFFFFFF00000000},  // and the size is not signed
+      {.total_size = 5512, .size = 5512, .allocation_bytes = 0},
+      {.total_size = 5512 + 4096, .size = 5512, .allocation_bytes = 4096},
+      {.total_size = 5472 + 64, .size = 5472, .allocation_bytes = 64},
+      {.total_size = 5512 + 0x100000000, .size = 5512, .allocation_bytes = 0x100000000},
+      {.total_size = 0x123456789ABCDEF0,
+       .size = 0x9ABCDEF0,
+       .allocation_bytes = 0x1234567800000000},
+      // It wraps,
+      {.total_size = 0, .size = 1, .allocation_bytes = 0xFFFFFFFFFFFFFFFF},
+      // and the size is not signed.
+      {.total_size = 0xFFFFFFFFFFFFFFFF,
+       .size = 0xFFFFFFFF,
+       .allocation_bytes = 0xFFFFFFFF00000000},
   };
   harness::Gpu gpu(harness::kUnknownChip);
   for (const Row& row : kRows) {
@@ -32,7 +40,7 @@ TEST(BlobAccess, TheAllocationIsTheTotalLessTheRecord) {
     blob.header.record_offset = 24;
     blob.layout.total_size = row.total_size;
     blob.layout.size = row.size;
-    EXPECT_EQ(gpu->korvel_get_aligned_gpu_buffer_size(&blob), row.expected);
+    EXPECT_NUMBER(gpu->korvel_get_aligned_gpu_buffer_size(&blob), row.allocation_bytes);
   }
   EXPECT_TRUE(gpu.take_calls().empty());
   EXPECT_TRUE(gpu.take_messages().empty());
@@ -40,7 +48,7 @@ TEST(BlobAccess, TheAllocationIsTheTotalLessTheRecord) {
 
 TEST(BlobAccess, NoBlobNeedsNoBytes) {
   const harness::Gpu gpu(harness::kUnknownChip);
-  EXPECT_EQ(gpu->korvel_get_aligned_gpu_buffer_size(nullptr), 0u);
+  EXPECT_NUMBER(gpu->korvel_get_aligned_gpu_buffer_size(nullptr), 0);
 }
 
 TEST(BlobAccess, TheRecordIsWhereTheHeaderSays) {
@@ -56,7 +64,7 @@ TEST(BlobAccess, TheRecordIsWhereTheHeaderSays) {
       std::memcpy(blob + 16, &offset, 4);
       std::memcpy(blob + offset + 4, &size, 4);
       std::memcpy(blob + offset + 40, &total, 8);
-      EXPECT_EQ(gpu->korvel_get_aligned_gpu_buffer_size(blob), 0x200001000u)
+      EXPECT_NUMBER(gpu->korvel_get_aligned_gpu_buffer_size(blob), 0x200001000)
           << offset << ", " << start;
     }
   }

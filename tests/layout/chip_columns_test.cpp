@@ -1,5 +1,8 @@
 // Chips that lack a property: what its default does to a layout.
-#include "tests/layout/layout_records.h"
+#include <gmock/gmock.h>
+
+#include "tests/layout/chosen_chips.h"
+#include "tests/layout/expected_layouts.h"
 
 namespace layout_test {
 namespace {
@@ -7,104 +10,78 @@ namespace {
 using harness::message;
 using Columns = korvel::ChipColumns;
 
-constexpr uint64_t kUbwc = LAYOUT_FLAG_UBWC;
-constexpr uint64_t kExtra = LAYOUT_FLAG_EXTRA;
 constexpr char kFdm[] = "compute_fmt_aligned_width_and_height_fdm";
 
-struct Surface {
-  int32_t width = 100;
-  int32_t height = 50;
-  int32_t depth = 1;
-  uint32_t format = 28;
-  uint32_t samples = 1;
-  uint32_t mode = kTiled;
-  uint64_t flags = kUbwc;
-  uint32_t planes = 1;
-};
-
-LayoutMetadata laid_out(const harness::Gpu& gpu, const Surface& s) {
-  auto blob = canary<LayoutMetadata>();
-  EXPECT_EQ(gpu->korvel_init_memory_layout(&blob, s.width, s.height, s.depth, s.format, s.samples,
-                                           s.mode, s.flags, s.planes),
-            0u);
-  return blob;
-}
-
-// As on a full chip: 128 x 64 elements, flags of 64 bytes a row.
-//   image 32768 bytes, flags 4096, together 36864.
+// On a full chip 100 x 50 takes 128 x 64 elements: 32768 bytes, and 4096 bytes of flags in front.
 
 TEST(ChipColumns, WithoutABaseAlignmentNothingTakesBytes) {
   const harness::ChipData& chip = chip_lacking(&Columns::base_alignment);
   const harness::Gpu gpu(chip.chip_id);
-  auto expected = canary<LayoutMetadata>();
-  put_head(expected, chip, 28, 1, 4096);
-  put_level(expected.layout.level[0], 1, 1, 0, 1);
-  put_image(expected.layout.level[0].plane[0], {0, 0, 512, 0, 4, 128, 64});
-  put_flags(expected.layout.level[0].plane[0], {0, 0, 64, 0});
-  put_no_extra(expected.layout);
-  expected.layout.total_size = 5512;
-  expect_same_bytes(laid_out(gpu, {}), expected, "no base alignment");
-
-  put_extra(expected.layout, 0, 8224, 0);
-  expected.layout.total_size = 5512 + 12288;
-  expect_same_bytes(laid_out(gpu, {.flags = kUbwc | kExtra}), expected, "with the extra buffer");
+  Image image = kTiled100x50;
+  image.size_bytes = image.slice_pitch_bytes = 0;
+  const Plane plane = {.image = image, .flags = FlagBuffer{.pitch_bytes = 64}};
+  expect_layout(gpu, chip, {.flags = kUbwc}, {.levels = {{.planes = {plane}}}},
+                "no base alignment");
+  expect_layout(gpu, chip, {.flags = kUbwc | kExtra},
+                {.levels = {{.planes = {plane}}},
+                 .extra = Extra{.size_bytes = kExtraSliceBytes},
+                 .surface_bytes = 3 * 4096},  // 8224 to pages
+                "with the extra buffer");
 }
 
 TEST(ChipColumns, WithoutALinearAlignmentLinearImagesAndFlagBuffersTakeNoBytes) {
   const harness::ChipData& chip = chip_lacking(&Columns::linear_alignment);
   const harness::Gpu gpu(chip.chip_id);
-  auto expected = canary<LayoutMetadata>();
-  put_head(expected, chip, 28, 1, 4096);
-  put_level(expected.layout.level[0], 1, 1, 32768, 1);
-  put_image(expected.layout.level[0].plane[0], {0, 32768, 512, 32768, 4, 128, 64});
-  put_flags(expected.layout.level[0].plane[0], {0, 0, 0, 32768});
-  put_no_extra(expected.layout);
-  expected.layout.total_size = 5512 + 32768;
-  expect_same_bytes(laid_out(gpu, {}), expected, "tiled");
+  expect_layout(gpu, chip, {.flags = kUbwc},
+                {.levels = {{.size_bytes = 32768,
+                             .planes = {{.image = kTiled100x50,
+                                         .flags = FlagBuffer{.slice_pitch_bytes = 32768}}}}},
+                 .surface_bytes = 32768},
+                "tiled");
 
-  expected = canary<LayoutMetadata>();
-  put_head(expected, chip, 28, 1, 64);
-  put_level(expected.layout.level[0], 1, 0, 0, 1);
-  put_image(expected.layout.level[0].plane[0], {0, 0, 512, 0, 4, 128, 50});
-  put_no_extra(expected.layout);
-  expected.layout.total_size = 5512;
-  expect_same_bytes(laid_out(gpu, {.mode = kLinear, .flags = 0}), expected, "linear");
+  Image image = kLinear100x50;
+  image.size_bytes = image.slice_pitch_bytes = 0;
+  expect_layout(gpu, chip, {.tiling_mode = kLinear},
+                {.alignment_bytes = 64, .levels = {{.planes = {{.image = image}}}}}, "linear");
 }
 
 TEST(ChipColumns, WithoutATiledAlignmentTheSurfaceIsAlignedTo1) {
   const harness::ChipData& chip = chip_lacking(&Columns::tiled_alignment);
   const harness::Gpu gpu(chip.chip_id);
-  auto expected = canary<LayoutMetadata>();
-  put_head(expected, chip, 28, 1, 1);
-  put_level(expected.layout.level[0], 1, 1, 36864, 1);
-  put_image(expected.layout.level[0].plane[0], {4096, 32768, 512, 36864, 4, 128, 64});
-  put_flags(expected.layout.level[0].plane[0], {0, 4096, 64, 36864});
-  put_extra(expected.layout, 36864, 8224, 0);
-  expected.layout.total_size = 5512 + 45088;
-  expect_same_bytes(laid_out(gpu, {.flags = kUbwc | kExtra}), expected, "no tiled alignment");
+  expect_layout(gpu, chip, {.flags = kUbwc | kExtra},
+                {.alignment_bytes = 1,
+                 .levels = {{.size_bytes = 36864, .planes = {tiled_100x50_with_flags()}}},
+                 .extra = Extra{.offset_bytes = 36864, .size_bytes = kExtraSliceBytes},
+                 .surface_bytes = 36864 + 8224},  // no page
+                "no tiled alignment");
 }
 
 TEST(ChipColumns, WithoutAPixelAlignmentLinearSurfacesAreAlignedToAnElement) {
   const harness::ChipData& chip = chip_lacking(&Columns::pixel_alignment);
   const harness::Gpu gpu(chip.chip_id);
-  auto expected = canary<LayoutMetadata>();
-  put_head(expected, chip, 28, 1, 4);
-  put_level(expected.layout.level[0], 1, 0, 28672, 1);
-  put_image(expected.layout.level[0].plane[0], {0, 28672, 512, 28672, 4, 128, 50});
-  put_extra(expected.layout, 28672, 8224, 0);
-  expected.layout.total_size = 5512 + 36896;  // no multiple of 64
-  expect_same_bytes(laid_out(gpu, {.mode = kLinear, .flags = kExtra}), expected, "linear");
+  expect_layout(gpu, chip, {.tiling_mode = kLinear, .flags = kExtra},
+                {.alignment_bytes = 4,
+                 .levels = {{.size_bytes = 28672, .planes = {{.image = kLinear100x50}}}},
+                 .extra = Extra{.offset_bytes = 28672, .size_bytes = kExtraSliceBytes},
+                 .surface_bytes = 28672 + 8224},  // a multiple of 4, none of 64
+                "linear");
 
+  // Bytes of an element times samples; elements of 3, 6 and 12 bytes align as 4, 8 and 16 do.
   struct Row {
     uint32_t format;
     uint32_t samples;
-    uint32_t alignment;
+    uint32_t alignment_bytes;
   };
-  for (const Row& row : {Row{61, 1, 1}, Row{508, 1, 4}, Row{508, 2, 8}, Row{523, 1, 8},
-                         Row{6, 4, 64}, Row{2, 8, 128}, Row{71, 1, 8}}) {
+  for (const Row& row : {Row{.format = 61, .samples = 1, .alignment_bytes = 1},
+                         Row{.format = 508, .samples = 1, .alignment_bytes = 4},  // 3 -> 4
+                         Row{.format = 508, .samples = 2, .alignment_bytes = 4 * 2},
+                         Row{.format = 523, .samples = 1, .alignment_bytes = 8},     // 6 -> 8
+                         Row{.format = 6, .samples = 4, .alignment_bytes = 16 * 4},  // 12 -> 16
+                         Row{.format = 2, .samples = 8, .alignment_bytes = 16 * 8},
+                         Row{.format = 71, .samples = 1, .alignment_bytes = 8}}) {
     const LayoutMetadata blob =
-        laid_out(gpu, {.format = row.format, .samples = row.samples, .mode = kLinear, .flags = 0});
-    EXPECT_EQ(blob.layout.alignment, row.alignment) << row.format;
+        laid_out(gpu, {.format = row.format, .samples = row.samples, .tiling_mode = kLinear});
+    EXPECT_NUMBER(blob.layout.alignment, row.alignment_bytes) << row.format;
   }
 }
 
@@ -112,7 +89,8 @@ TEST(ChipColumns, WithoutAPixelAlignmentBlockWidthsAreNotRounded) {
   // 25 blocks of 100 texels: to tiles of 32 on families 6 and 7; 64 on all full chips.
   const harness::ChipData& chip = chip_lacking(&Columns::pixel_alignment, 6);
   const harness::Gpu gpu(chip.chip_id);
-  EXPECT_EQ(laid_out(gpu, {.format = 71}).layout.level[0].plane[0].image_width, 32u);
+  const LayoutMetadata blob = laid_out(gpu, {.format = 71, .flags = kUbwc});
+  EXPECT_NUMBER(blob.layout.level[0].plane[0].image_width, 32);
 }
 
 TEST(ChipColumns, WithoutAnAuxAlignmentTheShortestRowsArePaddedToo) {
@@ -120,17 +98,17 @@ TEST(ChipColumns, WithoutAnAuxAlignmentTheShortestRowsArePaddedToo) {
   // than 0, so padded to 64; on a full chip 512 bytes go as they are.
   struct Row {
     const harness::ChipData& chip;
-    uint32_t width;
+    uint32_t width_el;
   };
-  for (const Row& row :
-       {Row{chip_lacking(&Columns::aux_alignment, 6), 64}, Row{harness::full_chip(6), 16}}) {
+  for (const Row& row : {Row{.chip = chip_lacking(&Columns::aux_alignment, 6), .width_el = 64},
+                         Row{.chip = harness::full_chip(6), .width_el = 16}}) {
     const harness::Gpu gpu(row.chip.chip_id);
     const PlaneLayout plane =
-        laid_out(gpu, {.width = 10, .format = 68, .samples = 8, .mode = kLinear, .flags = 0})
+        laid_out(gpu, {.width_px = 10, .format = 68, .samples = 8, .tiling_mode = kLinear})
             .layout.level[0]
             .plane[0];
-    EXPECT_EQ(plane.image_width, row.width);
-    EXPECT_EQ(plane.image_pitch, row.width * 16);
+    EXPECT_NUMBER(plane.image_width, row.width_el);
+    EXPECT_NUMBER(plane.image_pitch, row.width_el * 16);  // 2 bytes x 8 samples
   }
 }
 
@@ -138,33 +116,34 @@ TEST(ChipColumns, OthersHaveNoEffectOnOneLevel) {
   for (bool Columns::*column : {&Columns::min_level_extent, &Columns::level_offset_alignment}) {
     const harness::ChipData& chip = chip_lacking(column);
     const harness::Gpu gpu(chip.chip_id);
-    auto expected = canary<LayoutMetadata>();
-    put_head(expected, chip, 28, 1, 4096);
-    put_level(expected.layout.level[0], 1, 1, 36864, 1);
-    put_image(expected.layout.level[0].plane[0], {4096, 32768, 512, 36864, 4, 128, 64});
-    put_flags(expected.layout.level[0].plane[0], {0, 4096, 64, 36864});
-    put_no_extra(expected.layout);
-    expected.layout.total_size = 5512 + 36864;
-    expect_same_bytes(laid_out(gpu, {}), expected, "chip " + std::to_string(chip.chip_id));
+    expect_layout(gpu, chip, {.flags = kUbwc},
+                  {.levels = {{.size_bytes = 36864, .planes = {tiled_100x50_with_flags()}}},
+                   .surface_bytes = 36864},
+                  "chip " + std::to_string(chip.chip_id));
   }
 }
 
+// 100 x 50 elements of 4 bytes, as they are: 400 bytes a row, 20000 in all.
+constexpr Image kUnalignedImage = {
+    .pitch_bytes = 100 * 4, .element_bytes = 4, .width_el = 100, .height_rows = 50};
+
 TEST(ChipColumns, AChipWithoutRulesKeepsSizesAsTheyAre) {
-  // Identified, in every column, compressing, but not supported: 100 x 50, 20000 -> 20480 bytes;
-  // flags 13 -> 16 rows of 7 -> 64 bytes.
-  const harness::ChipData& chip =
-      harness::chip_where("in every column and unsupported", [](const harness::ChipData& c) {
-        return !c.supported && harness::in_every_column(c.columns) && !c.ubwc.never;
-      });
+  // 20000 -> 20480 bytes. Flags for 16 x 4 texels: 13 -> 16 rows of 7 -> 64 bytes, one page.
+  const harness::ChipData& chip = unsupported_chip();
   harness::Gpu gpu(chip.chip_id);
-  auto expected = canary<LayoutMetadata>();
-  put_head(expected, chip, 28, 1, 4096);
-  put_level(expected.layout.level[0], 1, 1, 24576, 1);
-  put_image(expected.layout.level[0].plane[0], {4096, 20480, 400, 24576, 4, 100, 50});
-  put_flags(expected.layout.level[0].plane[0], {0, 4096, 64, 24576});
-  put_no_extra(expected.layout);
-  expected.layout.total_size = 5512 + 24576;
-  expect_same_bytes(laid_out(gpu, {}), expected, "unsupported");
+  constexpr uint64_t kSlice = 4096 + 20480;
+  Image image = kUnalignedImage;
+  image.offset_bytes = 4096;
+  image.size_bytes = 20480;
+  image.slice_pitch_bytes = kSlice;
+  expect_layout(gpu, chip, {.flags = kUbwc},
+                {.levels = {{.size_bytes = kSlice,
+                             .planes = {{.image = image,
+                                         .flags = FlagBuffer{.size_bytes = 4096,
+                                                             .pitch_bytes = 64,
+                                                             .slice_pitch_bytes = kSlice}}}}},
+                 .surface_bytes = kSlice},
+                "unsupported");
   EXPECT_EQ(gpu.take_messages(), std::vector<harness::Message>{message(
                                      kFdm, "Unknown Chip ID " + std::to_string(chip.chip_id))});
 }
@@ -177,37 +156,34 @@ TEST(ChipColumns, AnIdentifiedChipInNoColumn) {
                !c.columns.tiled_alignment;
       });
   const harness::Gpu gpu(chip.chip_id);
-  auto expected = canary<LayoutMetadata>();
-  put_head(expected, chip, 28, 1, 1);
-  put_level(expected.layout.level[0], 1, 1, 0, 1);
-  put_image(expected.layout.level[0].plane[0], {0, 0, 400, 0, 4, 100, 50});
-  put_flags(expected.layout.level[0].plane[0], {0, 0, 0, 0});
-  put_no_extra(expected.layout);
-  expected.layout.total_size = 5512;
-  expect_same_bytes(laid_out(gpu, {}), expected, "no column");
+  // Bytes are rounded to multiples of 0.
+  expect_layout(gpu, chip, {.flags = kUbwc},
+                {.alignment_bytes = 1,
+                 .levels = {{.planes = {{.image = kUnalignedImage, .flags = FlagBuffer{}}}}}},
+                "no column");
 }
 
 TEST(ChipColumns, AnUnknownChipIsOfNoFamily) {
+  const harness::ChipData no_chip = {};  // family, model and revision 0
   for (const uint32_t failures : {0u, HXL_SIM_FAIL_DEVICE_OPEN}) {
     harness::Gpu gpu(harness::kUnknownChip, failures);
-    auto expected = canary<LayoutMetadata>();
-    put_head(expected, 0, 0, 0, 28, 1, 1);
-    put_level(expected.layout.level[0], 1, 1, 0, 1);
-    put_image(expected.layout.level[0].plane[0], {0, 0, 400, 0, 4, 100, 50});
-    put_extra(expected.layout, 0, 8224, 1);
-    expected.layout.total_size = 5512 + 8224;
-    expect_same_bytes(laid_out(gpu, {.flags = kUbwc | kExtra | LAYOUT_FLAG_EXTENDED}), expected,
-                      "unknown chip");
+    expect_layout(gpu, no_chip, {.flags = kUbwc | kExtra | kExtended},
+                  {.alignment_bytes = 1,
+                   .levels = {{.planes = {{.image = kUnalignedImage}}}},
+                   .extra = Extra{.size_bytes = kExtraSliceBytes, .extended = 1},
+                   .surface_bytes = kExtraSliceBytes},
+                  "unknown chip");
     const uint32_t chip_id = failures == 0 ? harness::kUnknownChip : 0;
     std::vector<harness::Message> messages = harness::unknown_chip_messages(chip_id);
     messages.push_back(message(kFdm, "Unknown Chip ID " + std::to_string(chip_id)));
     EXPECT_EQ(gpu.take_messages(), messages);
-    // Blocks: one by one, by an alignment of 1; linear alignment: an element.
-    const LayoutMetadata blob = laid_out(gpu, {.format = 71, .mode = kLinear});
-    EXPECT_EQ(blob.layout.alignment, 8u);
-    EXPECT_EQ(blob.layout.level[0].plane[0].image_width, 25u);
-    EXPECT_EQ(blob.layout.level[0].plane[0].image_height, 13u);
-    EXPECT_EQ(blob.layout.level[0].plane[0].image_pitch, 200u);
+    // Blocks of 4 x 4 texels and 8 bytes, one by one: 100 / 4 and 50 / 4 up; aligned to one.
+    const LayoutMetadata blob =
+        laid_out(gpu, {.format = 71, .tiling_mode = kLinear, .flags = kUbwc});
+    EXPECT_NUMBER(blob.layout.alignment, 8);
+    EXPECT_NUMBER(blob.layout.level[0].plane[0].image_width, 25);
+    EXPECT_NUMBER(blob.layout.level[0].plane[0].image_height, 13);
+    EXPECT_NUMBER(blob.layout.level[0].plane[0].image_pitch, 25 * 8);
   }
 }
 

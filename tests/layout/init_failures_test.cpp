@@ -1,5 +1,11 @@
 // Descriptions that are refused: which message, and that nothing is written.
-#include "tests/layout/layout_records.h"
+#include <gmock/gmock.h>
+
+#include <climits>
+
+#include "tests/harness/chips.h"
+#include "tests/layout/requests.h"
+#include "tests/layout/same_record.h"
 
 namespace layout_test {
 namespace {
@@ -10,43 +16,32 @@ constexpr char kCheck[] = "validate_memory_layout_input_params";
 constexpr char kInit[] = "korvel_init_memory_layout";
 constexpr char kSecondLine[] = "Memory Layout input parameter validation failed!";
 
-struct Surface {
-  int32_t width = 100;
-  int32_t height = 50;
-  int32_t depth = 1;
-  uint32_t format = 28;
-  uint32_t samples = 1;
-  uint32_t mode = kTiled;
-  uint32_t planes = 1;
-};
-
-uint32_t init(const harness::Gpu& gpu, void* blob, const Surface& s) {
-  return gpu->korvel_init_memory_layout(blob, s.width, s.height, s.depth, s.format, s.samples,
-                                        s.mode, LAYOUT_FLAG_UBWC | LAYOUT_FLAG_EXTRA, s.planes);
-}
+constexpr uint64_t kFlags = kUbwc | kExtra;
 
 struct Row {
-  Surface surface;
+  Request request;
   const char* function;
   const char* text;
 };
 
 const Row kRows[] = {
-    {{.width = 0}, kCheck, "Invalid width, height, or depth: W = 0, H = 50, D = 1"},
-    {{.width = -1}, kCheck, "Invalid width, height, or depth: W = -1, H = 50, D = 1"},
-    {{.width = INT_MIN}, kCheck, "Invalid width, height, or depth: W = -2147483648, H = 50, D = 1"},
-    {{.height = 0}, kCheck, "Invalid width, height, or depth: W = 100, H = 0, D = 1"},
-    {{.height = -7}, kCheck, "Invalid width, height, or depth: W = 100, H = -7, D = 1"},
+    {{.width_px = 0}, kCheck, "Invalid width, height, or depth: W = 0, H = 50, D = 1"},
+    {{.width_px = -1}, kCheck, "Invalid width, height, or depth: W = -1, H = 50, D = 1"},
+    {{.width_px = INT_MIN},
+     kCheck,
+     "Invalid width, height, or depth: W = -2147483648, H = 50, D = 1"},
+    {{.height_px = 0}, kCheck, "Invalid width, height, or depth: W = 100, H = 0, D = 1"},
+    {{.height_px = -7}, kCheck, "Invalid width, height, or depth: W = 100, H = -7, D = 1"},
     {{.depth = 0}, kCheck, "Invalid width, height, or depth: W = 100, H = 50, D = 0"},
     {{.depth = -1}, kCheck, "Invalid width, height, or depth: W = 100, H = 50, D = -1"},
     {{.format = 0}, kCheck, "Unknown Format 0"},
     {{.format = 722}, kCheck, "Unknown Format 722"},
     {{.format = 0xFFFFFFFF}, kCheck, "Unknown Format 4294967295"},
     {{.format = kFourCC}, kCheck, "Unknown Format 927094871"},
-    {{.format = 40, .mode = 0},
+    {{.format = 40, .tiling_mode = 0},
      kCheck,
      "Invalid configuration, cannot support linear depth/stencil"},
-    {{.format = 40, .mode = 2},
+    {{.format = 40, .tiling_mode = 2},
      kCheck,
      "Invalid configuration, cannot support linear depth/stencil"},
     {{.samples = 0}, kCheck, "Invalid input sample count 0"},
@@ -60,12 +55,12 @@ const Row kRows[] = {
     {{.planes = 4}, kInit, "Invalid plane count 4"},
     {{.planes = 0xFFFFFFFF}, kInit, "Invalid plane count 4294967295"},
     // Several faults: the first of the list is reported.
-    {{.width = 0, .format = 0, .samples = 3, .planes = 4},
+    {{.width_px = 0, .format = 0, .samples = 3, .planes = 4},
      kCheck,
      "Invalid width, height, or depth: W = 0, H = 50, D = 1"},
     {{.format = 0, .samples = 3, .planes = 4}, kCheck, "Unknown Format 0"},
-    {{.format = 722, .samples = 3, .mode = 0, .planes = 4}, kCheck, "Unknown Format 722"},
-    {{.format = 45, .samples = 3, .mode = 0, .planes = 4},
+    {{.format = 722, .samples = 3, .tiling_mode = 0, .planes = 4}, kCheck, "Unknown Format 722"},
+    {{.format = 45, .samples = 3, .tiling_mode = 0, .planes = 4},
      kCheck,
      "Invalid configuration, cannot support linear depth/stencil"},
     {{.samples = 3, .planes = 4}, kCheck, "Invalid input sample count 3"},
@@ -76,16 +71,18 @@ TEST(InitFailures, EveryFaultHasItsMessageAndWritesNothing) {
   (void)gpu->get_gpu_pixel_alignment();
   for (const Row& row : kRows) {
     LayoutMetadata blob = canary<LayoutMetadata>();
-    EXPECT_EQ(init(gpu, &blob, row.surface), 0xFFFFFFFFu) << row.text;
+    Request request = row.request;
+    request.flags = kFlags;
+    EXPECT_NUMBER(init_layout(gpu, &blob, request), 0xFFFFFFFF) << row.text;
     EXPECT_EQ(gpu.take_messages(), (std::vector<harness::Message>{message(row.function, row.text),
                                                                   message(kInit, kSecondLine)}));
-    expect_same_bytes(blob, canary<LayoutMetadata>(), row.text);
+    expect_same_record(blob, canary<LayoutMetadata>(), row.text);
   }
 }
 
 TEST(InitFailures, ANullBlobIsNotReachedByABadDescription) {
   harness::Gpu gpu(harness::full_chip(6).chip_id);
-  EXPECT_EQ(init(gpu, nullptr, {.samples = 3}), 0xFFFFFFFFu);
+  EXPECT_NUMBER(init_layout(gpu, nullptr, Request{.samples = 3, .flags = kFlags}), 0xFFFFFFFF);
   EXPECT_EQ(gpu.take_messages(),
             (std::vector<harness::Message>{message(kCheck, "Invalid input sample count 3"),
                                            message(kInit, kSecondLine)}));
@@ -93,36 +90,36 @@ TEST(InitFailures, ANullBlobIsNotReachedByABadDescription) {
 
 TEST(InitFailures, ANullBlobFailsSilently) {
   harness::Gpu gpu(harness::full_chip(6).chip_id);
-  EXPECT_EQ(init(gpu, nullptr, {}), 0xFFFFFFFFu);
+  EXPECT_NUMBER(init_layout(gpu, nullptr, Request{.flags = kFlags}), 0xFFFFFFFF);
   EXPECT_TRUE(gpu.take_messages().empty());
 }
 
 TEST(InitFailures, OnlyDepthStencilTargetsMustBeTiled) {
   harness::Gpu gpu(harness::full_chip(6).chip_id);
-  const auto result = [&gpu](uint32_t format, uint32_t mode) {
+  const auto result = [&gpu](uint32_t format, uint32_t tiling_mode) {
     LayoutMetadata blob{};
-    const uint32_t status = gpu->korvel_init_memory_layout(&blob, 64, 64, 1, format, 1, mode, 0, 1);
+    const uint32_t status = init_layout(gpu, &blob, {.format = format, .tiling_mode = tiling_mode});
     (void)gpu.take_messages();
     return status;
   };
   for (uint32_t format = 1; format <= 721; ++format) {
     const bool target = format == 20 || format == 40 || format == 45 || format == 55 ||
                         format == 501 || (format >= 548 && format <= 553);
-    EXPECT_EQ(result(format, 1), 0u) << format;
-    EXPECT_EQ(result(format, 0), target ? 0xFFFFFFFF : 0u) << format;
-    EXPECT_EQ(result(format, 2), target ? 0xFFFFFFFF : 0u) << format;
+    EXPECT_NUMBER(result(format, kTiled), 0) << format;
+    EXPECT_NUMBER(result(format, kLinear), target ? 0xFFFFFFFF : 0u) << format;
+    EXPECT_NUMBER(result(format, 2), target ? 0xFFFFFFFF : 0u) << format;
   }
 }
 
 TEST(InitFailures, AnUnknownChipIsIdentifiedFirst) {
   harness::Gpu gpu(harness::kUnknownChip);
   LayoutMetadata blob = canary<LayoutMetadata>();
-  EXPECT_EQ(init(gpu, &blob, {.width = 0}), 0xFFFFFFFFu);
+  EXPECT_NUMBER(init_layout(gpu, &blob, Request{.width_px = 0, .flags = kFlags}), 0xFFFFFFFF);
   std::vector<harness::Message> expected = harness::unknown_chip_messages(harness::kUnknownChip);
   expected.push_back(message(kCheck, "Invalid width, height, or depth: W = 0, H = 50, D = 1"));
   expected.push_back(message(kInit, kSecondLine));
   EXPECT_EQ(gpu.take_messages(), expected);
-  expect_same_bytes(blob, canary<LayoutMetadata>(), "unknown chip");
+  expect_same_record(blob, canary<LayoutMetadata>(), "unknown chip");
 }
 
 TEST(InitFailures, SurfaceInitialisersRefuseTooManyPlanesAndLevels) {
@@ -133,21 +130,19 @@ TEST(InitFailures, SurfaceInitialisersRefuseTooManyPlanesAndLevels) {
     const char* text;
   };
   constexpr Refusal kRefusals[] = {
-      {1, 4, "Invalid plane count 4"},
-      {0, 0x80000000, "Invalid plane count 2147483648"},
-      {16, 1, "Invalid level count 16"},
-      {0xFFFFFFFF, 0, "Invalid level count 4294967295"},
+      {.levels = 1, .planes = 4, .text = "Invalid plane count 4"},
+      {.levels = 0, .planes = 0x80000000, .text = "Invalid plane count 2147483648"},
+      {.levels = 16, .planes = 1, .text = "Invalid level count 16"},
+      {.levels = 0xFFFFFFFF, .planes = 0, .text = "Invalid level count 4294967295"},
   };
   for (const Refusal& refusal : kRefusals) {
     MemoryLayout before = canary<MemoryLayout>();
     before.levels = refusal.levels;
     MemoryLayout record = before;
-    gpu->korvel_init_single_level_surface(&record, 64, 64, 1, 28, 1, 1, LAYOUT_FLAG_EXTRA,
-                                          refusal.planes);
-    expect_same_bytes(record, before, refusal.text);
-    gpu->korvel_init_multi_level_surface(&record, 64, 64, 1, 28, 1, 1, LAYOUT_FLAG_EXTRA,
-                                         refusal.planes);
-    expect_same_bytes(record, before, refusal.text);
+    init_single_level(gpu, record, {.flags = kExtra, .planes = refusal.planes});
+    expect_same_record(record, before, refusal.text);
+    init_multi_level(gpu, record, {.flags = kExtra, .planes = refusal.planes});
+    expect_same_record(record, before, refusal.text);
     EXPECT_EQ(gpu.take_messages(), (std::vector<harness::Message>{
                                        message("korvel_init_single_level_surface", refusal.text),
                                        message("korvel_init_multi_level_surface", refusal.text)}));

@@ -1,133 +1,148 @@
 // The surface initialiser called directly, on records whose head somebody else has filled.
-#include "tests/layout/layout_records.h"
+#include <gmock/gmock.h>
+
+#include <climits>
+
+#include "tests/layout/expected_layouts.h"
 
 namespace layout_test {
 namespace {
 
 using harness::message;
 
-struct Surface {
-  int32_t width = 100;
-  int32_t height = 50;
-  int32_t depth = 1;
-  uint32_t format = 28;
-  uint32_t samples = 1;
-  uint32_t mode = kTiled;
-  uint64_t flags = 0;
-  uint32_t planes = 1;
+// The three words that are read of a record.
+struct Head {
+  uint32_t levels = 1;
+  uint32_t alignment_bytes = 4096;
+  uint32_t record_bytes = kRecordBytes;
 };
 
-void init(const harness::Gpu& gpu, MemoryLayout& record, const Surface& s) {
-  gpu->korvel_init_single_level_surface(&record, s.width, s.height, s.depth, s.format, s.samples,
-                                        s.mode, s.flags, s.planes);
+// All other words are the canary's.
+MemoryLayout record_of(const Head& head) {
+  auto record = canary<MemoryLayout>();
+  record.levels = head.levels;
+  record.alignment = head.alignment_bytes;
+  record.size = head.record_bytes;
+  return record;
 }
 
-// Only the three words that are read are set; all others are the canary's.
-MemoryLayout record_of(uint32_t levels, uint32_t alignment = 4096, uint32_t size = 5512) {
-  auto record = canary<MemoryLayout>();
-  record.levels = levels;
-  record.alignment = alignment;
-  record.size = size;
-  return record;
+void expect_surface(const harness::Gpu& gpu, const Head& head, const Request& request,
+                    const Expected& expected, const std::string& what) {
+  MemoryLayout record = record_of(head);
+  init_single_level(gpu, record, request);
+  MemoryLayout expected_record = record_of(head);
+  put_surface(expected_record, request, expected);
+  expect_same_record(record, expected_record, what);
 }
 
 TEST(SingleLevel, OnlyTheLayoutIsWrittenAndTheHeadIsReadFromTheRecord) {
   for (const uint32_t family : kFamilies) {
     const harness::Gpu gpu(harness::full_chip(family).chip_id);
-    // 32768 bytes, rounded up to the record's own alignment, plus the record's own size.
+    // The image has 32768 bytes. The surface is rounded up to the record's own alignment, and the
+    // total adds the record's own size.
     struct Row {
-      uint32_t alignment;
-      uint32_t size;
-      uint64_t total;
+      Head head;
+      uint64_t surface_bytes;
     };
-    for (const Row& row : {Row{4096, 5512, 38280}, Row{64, 5472, 38240}, Row{0x10000, 1, 65537},
-                           Row{0, 5512, 5512}, Row{1, 0xFFFFFFFF, 0xFFFFFFFF + uint64_t{32768}}}) {
-      MemoryLayout record = record_of(1, row.alignment, row.size);
-      MemoryLayout expected = record;
-      put_level(expected.level[0], 1, 1, 32768, 1);
-      put_image(expected.level[0].plane[0], {0, 32768, 512, 32768, 4, 128, 64});
-      put_no_extra(expected);
-      expected.total_size = row.total;
-      init(gpu, record, {});
-      expect_same_bytes(record, expected, "alignment " + std::to_string(row.alignment));
+    for (const Row& row :
+         {Row{.head = {}, .surface_bytes = 32768},
+          Row{.head = {.alignment_bytes = 64, .record_bytes = 5472}, .surface_bytes = 32768},
+          Row{.head = {.alignment_bytes = 0x10000, .record_bytes = 1}, .surface_bytes = 0x10000},
+          Row{.head = {.alignment_bytes = 0}, .surface_bytes = 0},  // a multiple of 0
+          Row{.head = {.alignment_bytes = 1, .record_bytes = 0xFFFFFFFF},
+          .surface_bytes = 32768}}) {
+      expect_surface(gpu, row.head, {},
+                     {.levels = {{.size_bytes = 32768, .planes = {{.image = kTiled100x50}}}},
+                      .surface_bytes = row.surface_bytes},
+                     "alignment " + std::to_string(row.head.alignment_bytes));
     }
   }
 }
 
 TEST(SingleLevel, RecordsWithoutLevelsHaveOnlyTheExtraBuffer) {
   const harness::Gpu gpu(harness::full_chip(6).chip_id);
-  MemoryLayout record = record_of(0);
-  MemoryLayout expected = record;
-  put_no_extra(expected);
-  expected.total_size = 5512;
-  init(gpu, record, {.flags = LAYOUT_FLAG_EXTENDED});
-  expect_same_bytes(record, expected, "nothing");
-
-  record = record_of(0);
-  expected = record;
-  put_extra(expected, 0, 16448, 1);
-  expected.total_size = 5512 + 20480;
-  init(gpu, record, {.depth = 2, .flags = LAYOUT_FLAG_EXTRA | LAYOUT_FLAG_EXTENDED});
-  expect_same_bytes(record, expected, "extra");
+  expect_surface(gpu, {.levels = 0}, {.flags = kExtended}, {}, "nothing");
+  expect_surface(gpu, {.levels = 0}, {.depth = 2, .flags = kExtra | kExtended},
+                 {.extra = Extra{.size_bytes = 2 * 8224, .extended = 1},
+                  .surface_bytes = 5 * 4096},  // 16448 to pages
+                 "extra");
 }
 
 TEST(SingleLevel, SeveralLevelsFollowEachOther) {
   for (const uint32_t family : kFamilies) {
     const harness::Gpu gpu(harness::full_chip(family).chip_id);
     // 100 x 50, 50 x 25, 25 x 12 in tiles of 64 x 16: 128 x 64, 64 x 32, 64 x 16.
-    MemoryLayout record = record_of(3);
-    MemoryLayout expected = record;
-    put_level(expected.level[0], 2, 1, 65536, 1);
-    put_image(expected.level[0].plane[0], {0, 32768, 512, 32768, 4, 128, 64});
-    put_level(expected.level[1], 2, 1, 16384, 1);
-    put_image(expected.level[1].plane[0], {32768, 8192, 256, 8192, 4, 64, 32});
-    put_level(expected.level[2], 2, 1, 8192, 1);
-    put_image(expected.level[2].plane[0], {40960, 4096, 256, 4096, 4, 64, 16});
-    put_no_extra(expected);
-    expected.total_size = 5512 + 90112;  // 2 x 45056
-    init(gpu, record, {.depth = 2});
-    expect_same_bytes(record, expected, "three levels");
+    constexpr Image kLevel1 = {.offset_bytes = 32768,
+                               .size_bytes = 256 * 32,
+                               .pitch_bytes = 64 * 4,
+                               .slice_pitch_bytes = 256 * 32,
+                               .element_bytes = 4,
+                               .width_el = 64,
+                               .height_rows = 32};
+    constexpr Image kLevel2 = {.offset_bytes = 32768 + 8192,
+                               .size_bytes = 256 * 16,
+                               .pitch_bytes = 64 * 4,
+                               .slice_pitch_bytes = 256 * 16,
+                               .element_bytes = 4,
+                               .width_el = 64,
+                               .height_rows = 16};
+    expect_surface(gpu, {.levels = 3}, {.depth = 2},
+                   {.levels = {{.size_bytes = 2 * 32768, .planes = {{.image = kTiled100x50}}},
+                               {.size_bytes = 2 * 8192, .planes = {{.image = kLevel1}}},
+                               {.size_bytes = 2 * 4096, .planes = {{.image = kLevel2}}}},
+                    .surface_bytes = 2 * (32768 + 8192 + 4096)},
+                   "three levels");
   }
 }
 
 TEST(SingleLevel, FifteenLevelsEndAtOneByOne) {
   const harness::Gpu gpu(harness::full_chip(6).chip_id);
-  // Linear one-byte elements, 100 x 50: a page for each level. The width is 1 from level 6 (100 >>
-  // 6) and the height from level 5 on; both stay there when the shift gives 0.
-  MemoryLayout record = record_of(15, 64);
-  MemoryLayout expected = record;
+  // Linear one-byte elements, 100 x 50: 128 x 50 = 6400 bytes are two pages, all other levels (64
+  // wide, as 50 is rounded to 64) one page each. The width is 1 from level 6 on (100 >> 6) and the
+  // height from level 5 on (50 >> 5); both stay there when the shift gives 0.
   constexpr uint32_t kHeights[] = {50, 25, 12, 6, 3, 1};
-  uint64_t offset = 0;
+  Expected expected = {.surface_bytes = 16 * 4096};  // 2 pages and 14 times 1
+  uint64_t offset_bytes = 0;
   for (uint32_t l = 0; l < 15; ++l) {
-    const uint64_t size = l == 0 ? 8192 : 4096;  // 128 x 50 = 6400
-    put_level(expected.level[l], 1, 0, size, 1);
-    put_image(expected.level[l].plane[0], {offset, size, l == 0 ? 128u : 64u, size, 1,
-                                           l == 0 ? 128u : 64u, kHeights[l < 5 ? l : 5]});
-    offset += size;
+    const uint64_t size_bytes = l == 0 ? 8192 : 4096;
+    const uint32_t width_el = l == 0 ? 128 : 64;
+    expected.levels.push_back({.size_bytes = size_bytes,
+                               .planes = {{.image = {.offset_bytes = offset_bytes,
+                                                     .size_bytes = size_bytes,
+                                                     .pitch_bytes = width_el,
+                                                     .slice_pitch_bytes = size_bytes,
+                                                     .element_bytes = 1,
+                                                     .width_el = width_el,
+                                                     .height_rows = kHeights[l < 5 ? l : 5]}}}});
+    offset_bytes += size_bytes;
   }
-  put_no_extra(expected);
-  expected.total_size = 5512 + 16 * 4096;
-  init(gpu, record, {.format = 61, .mode = kLinear});
-  expect_same_bytes(record, expected, "fifteen levels");
+  expect_surface(gpu, {.levels = 15, .alignment_bytes = 64}, {.format = 61, .tiling_mode = kLinear},
+                 expected, "fifteen levels");
 }
 
 TEST(SingleLevel, SizesBelowOneCountAsOne) {
+  // One tile of 64 x 16 elements of 4 bytes.
+  constexpr Image kOneTile = {.size_bytes = 256 * 16,
+                              .pitch_bytes = 64 * 4,
+                              .slice_pitch_bytes = 256 * 16,
+                              .element_bytes = 4,
+                              .width_el = 64,
+                              .height_rows = 16};
   for (const uint32_t family : kFamilies) {
     harness::Gpu gpu(harness::full_chip(family).chip_id);
-    for (const int32_t size : {0, -1, INT_MIN}) {
-      MemoryLayout record = record_of(1);
-      MemoryLayout expected = record;
-      put_level(expected.level[0], 1, 1, 4096, 1);
-      put_image(expected.level[0].plane[0], {0, 4096, 256, 4096, 4, 64, 16});
-      put_no_extra(expected);
-      expected.total_size = 5512 + 4096;
-      init(gpu, record, {.width = size, .height = size});
-      expect_same_bytes(record, expected, std::to_string(size));
+    for (const int32_t size_px : {0, -1, INT_MIN}) {
+      expect_surface(gpu, {}, {.width_px = size_px, .height_px = size_px},
+                     {.levels = {{.size_bytes = 4096, .planes = {{.image = kOneTile}}}},
+                      .surface_bytes = 4096},
+                     std::to_string(size_px));
 
-      record = record_of(1);
-      init(gpu, record, {.width = size, .height = size, .format = 71, .mode = kLinear});
-      EXPECT_EQ(record.level[0].plane[0].image_width, 64u);
-      EXPECT_EQ(record.level[0].plane[0].image_height, 1u);
+      // One block, in rows of 64 by the pixel alignment.
+      MemoryLayout record = record_of({});
+      init_single_level(
+          gpu, record,
+          {.width_px = size_px, .height_px = size_px, .format = 71, .tiling_mode = kLinear});
+      EXPECT_NUMBER(record.level[0].plane[0].image_width, 64);
+      EXPECT_NUMBER(record.level[0].plane[0].image_height, 1);
     }
     EXPECT_TRUE(gpu.take_messages().empty());
   }
@@ -137,37 +152,40 @@ TEST(SingleLevel, DepthIsSigned) {
   const harness::Gpu gpu(harness::full_chip(6).chip_id);
   struct Row {
     int32_t depth;
-    uint64_t level_size;  // depth x 32768
-    uint64_t surface;     // and depth x 8224, up to 4096
+    int64_t level_bytes;    // depth x 32768
+    int64_t surface_bytes;  // and depth x 8224, up to 4096
   };
   for (const Row& row :
-       {Row{0, 0, 0},
-        Row{-1, static_cast<uint64_t>(-32768), static_cast<uint64_t>(-40960)},  // -40992
-        Row{INT_MIN, static_cast<uint64_t>(-0x400000000000),
-            static_cast<uint64_t>(-0x501000000000)}}) {
-    MemoryLayout record = record_of(1);
-    MemoryLayout expected = record;
-    put_level(expected.level[0], static_cast<uint32_t>(row.depth), 1, row.level_size, 1);
-    put_image(expected.level[0].plane[0], {0, 32768, 512, 32768, 4, 128, 64});
-    put_extra(expected, row.level_size, static_cast<uint64_t>(int64_t{row.depth} * 8224), 0);
-    expected.total_size = row.surface + 5512;
-    init(gpu, record, {.depth = row.depth, .flags = LAYOUT_FLAG_EXTRA});
-    expect_same_bytes(record, expected, "depth " + std::to_string(row.depth));
+       {Row{.depth = 0, .level_bytes = 0, .surface_bytes = 0},
+        // -32768 - 8224 = -40992, between -11 and -10 pages
+        Row{.depth = -1, .level_bytes = -32768, .surface_bytes = -10 * 4096},
+        // -2^31 x 2^15 and -2^31 x (0x8000 + 0x2020)
+        Row{.depth = INT_MIN, .level_bytes = -0x400000000000, .surface_bytes = -0x501000000000}}) {
+    const auto level_bytes = static_cast<uint64_t>(row.level_bytes);
+    expect_surface(gpu, {}, {.depth = row.depth, .flags = kExtra},
+                   {.levels = {{.size_bytes = level_bytes, .planes = {{.image = kTiled100x50}}}},
+                    .extra = Extra{.offset_bytes = level_bytes,
+                                   .size_bytes = static_cast<uint64_t>(int64_t{row.depth} * 8224)},
+                    .surface_bytes = static_cast<uint64_t>(row.surface_bytes)},
+                   "depth " + std::to_string(row.depth));
   }
 }
 
 TEST(SingleLevel, NumbersWithoutARecordAreOneByte) {
+  // 100 x 50 elements in tiles of 128 x 32.
+  constexpr Image kImage = {.size_bytes = 128 * 64,
+                            .pitch_bytes = 128,
+                            .slice_pitch_bytes = 128 * 64,
+                            .element_bytes = 1,
+                            .width_el = 128,
+                            .height_rows = 64};
   for (const uint32_t family : kFamilies) {
     harness::Gpu gpu(harness::full_chip(family).chip_id);
     for (const uint32_t format : {0u, 722u, kFourCC, 0xFFFFFFFFu}) {
-      MemoryLayout record = record_of(1);
-      MemoryLayout expected = record;
-      put_level(expected.level[0], 1, 1, 8192, 1);
-      put_image(expected.level[0].plane[0], {0, 8192, 128, 8192, 1, 128, 64});
-      put_no_extra(expected);
-      expected.total_size = 5512 + 8192;
-      init(gpu, record, {.format = format, .flags = LAYOUT_FLAG_UBWC});
-      expect_same_bytes(record, expected, std::to_string(format));
+      expect_surface(
+          gpu, {}, {.format = format, .flags = kUbwc},
+          {.levels = {{.size_bytes = 8192, .planes = {{.image = kImage}}}}, .surface_bytes = 8192},
+          std::to_string(format));
     }
     EXPECT_TRUE(gpu.take_messages().empty());
   }
@@ -178,38 +196,39 @@ TEST(SingleLevel, UncheckedModesAndSamples) {
     const harness::Gpu gpu(harness::full_chip(family).chip_id);
     // Linear depth, 3 samples: element 12 bytes; 4 x 16 x 3 = 192, (100 + 191) & -192 = 256;
     // 1024 bytes a row of one sample, not a multiple of 2048.
-    MemoryLayout record = record_of(1);
-    MemoryLayout expected = record;
-    put_level(expected.level[0], 1, 3, 155648, 1);
-    put_image(expected.level[0].plane[0], {0, 155648, 3072, 155648, 12, 256, 50});  // 153600
-    put_no_extra(expected);
-    expected.total_size = 5512 + 155648;
-    init(gpu, record, {.format = 40, .samples = 3, .mode = 3});
-    expect_same_bytes(record, expected, "mode 3");
+    constexpr Image kThreeSamples = {.size_bytes = 38 * 4096,  // 3072 x 50 = 153600 to pages
+                                     .pitch_bytes = 256 * 12,
+                                     .slice_pitch_bytes = 38 * 4096,
+                                     .element_bytes = 4 * 3,
+                                     .width_el = 256,
+                                     .height_rows = 50};
+    expect_surface(gpu, {}, {.format = 40, .samples = 3, .tiling_mode = 3},
+                   {.levels = {{.size_bytes = 38 * 4096, .planes = {{.image = kThreeSamples}}}},
+                    .surface_bytes = 38 * 4096},
+                   "mode 3");
 
     // No samples: elements of 0 bytes, whose width is not aligned.
-    record = record_of(1);
-    expected = record;
-    put_level(expected.level[0], 1, 0, 0, 1);
-    put_image(expected.level[0].plane[0], {0, 0, 0, 0, 0, 100, 50});
-    put_no_extra(expected);
-    expected.total_size = 5512;
-    init(gpu, record, {.samples = 0, .mode = kLinear});
-    expect_same_bytes(record, expected, "no samples");
+    expect_surface(gpu, {}, {.samples = 0, .tiling_mode = kLinear},
+                   {.levels = {{.planes = {{.image = {.width_el = 100, .height_rows = 50}}}}}},
+                   "no samples");
   }
 }
 
 TEST(SingleLevel, BlocksOfTheWidestSurfacesWrapToNegativeWidths) {
-  // (2147483647 + 3) wraps to -2147483646; / 4 is -536870911, up to 64 -536870848.
+  // (2147483647 + 3) wraps to -2147483646; / 4 is -536870911, up to 64 -536870848. What cannot be
+  // aligned is laid out as one block of 8 bytes, in one page.
+  constexpr Image kOneBlock = {.size_bytes = 4096,
+                               .pitch_bytes = 8,
+                               .slice_pitch_bytes = 4096,
+                               .element_bytes = 8,
+                               .width_el = 1,
+                               .height_rows = 1};
   harness::Gpu gpu(harness::full_chip(6).chip_id);
-  MemoryLayout record = record_of(1);
-  MemoryLayout expected = record;
-  put_level(expected.level[0], 1, 1, 4096, 1);
-  put_image(expected.level[0].plane[0], {0, 4096, 8, 4096, 8, 1, 1});
-  put_no_extra(expected);
-  expected.total_size = 5512 + 4096;
-  init(gpu, record, {.width = INT_MAX, .format = 71});
-  expect_same_bytes(record, expected, "widest");
+  expect_surface(
+      gpu, {}, {.width_px = INT_MAX, .format = 71},
+      {.levels = {{.size_bytes = 4096, .planes = {{.image = kOneBlock}}}}, .surface_bytes = 4096},
+      "widest");
+  // 50 / 4 up: 13 rows of blocks.
   EXPECT_EQ(gpu.take_messages(), std::vector<harness::Message>{
                                      message("compute_fmt_aligned_width_and_height_fdm",
                                              "Invalid width or height: W = -536870848, H = 13")});
@@ -217,10 +236,10 @@ TEST(SingleLevel, BlocksOfTheWidestSurfacesWrapToNegativeWidths) {
 
 TEST(SingleLevel, AnUnknownChipIsReportedForEachPlane) {
   harness::Gpu gpu(harness::kUnknownChip);
-  MemoryLayout record = record_of(2);
-  init(gpu, record, {.format = 103, .planes = 2});
+  MemoryLayout record = record_of({.levels = 2});
+  init_single_level(gpu, record, {.format = 103, .planes = 2});
   std::vector<harness::Message> expected = harness::unknown_chip_messages(harness::kUnknownChip);
-  expected.insert(expected.end(), 4,
+  expected.insert(expected.end(), 2 * 2,  // levels x planes
                   message("compute_fmt_aligned_width_and_height_fdm", "Unknown Chip ID 305419896"));
   EXPECT_EQ(gpu.take_messages(), expected);
 }

@@ -1,39 +1,65 @@
 // Valid records of both kinds, and what the validators say to changed ones.
 #pragma once
 
-#include <functional>
+#include <gmock/gmock.h>
 
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "tests/harness/chips.h"
+#include "tests/harness/gpu.h"
 #include "tests/harness/guarded_record.h"
-#include "tests/layout/layout_records.h"
+#include "tests/layout/same_record.h"
+#include "tests/records/valid_record.h"
 
 namespace layout_test {
 
-using Uuid = uint8_t[16];
+using records::DeviceWords;
+using records::DriverWords;
+using records::Image;
+using records::put_words;
+using records::Uuids;
 
-// U, the bytes of the surface that the valid records describe.
-constexpr uint64_t kSurface = 0x100000;
+// The bytes of the surface that the valid records describe.
+constexpr uint64_t kSurfaceBytes = 0x100000;
 
-// Device words 0x5A52, 6, 0x060310, 0x0310000A.
+inline const Uuids kUuids =
+    records::make_uuids({.family_id = 6, .model_code = 0x060310, .rev_id = 0x0310000A});
 constexpr char kDeviceText[] = "525a0000-0600-0000-1003-06000a001003";
 constexpr char kDriverText[] = "04000000-0100-0000-0300-000000000000";
 
-struct Resource {
-  using Record = MemoryLayout;
+// An image of 256 x 32 bytes behind 0x1000 bytes of flags.
+constexpr Image kValidImage = {.offset_bytes = 0x1000,
+                               .size_bytes = 0x2000,  // 32 rows x 256 bytes
+                               .pitch_bytes = 256,    // 256 elements x 1 byte
+                               .slice_pitch_bytes = 0x8000,
+                               .element_bytes = 1,
+                               .width_el = 256,
+                               .height_rows = 32};
+
+struct ResourceKind : records::ResourceKind {
   static constexpr char kFunction[] = "validate_resource_memory_layout_metadata";
   static constexpr char kTotal[] = "1054088";  // 5512 + 0x100000
-  static constexpr uint32_t kBytes = 5512;
-  static constexpr uint32_t kSignature = 0xDA7ACA5E;
+  static constexpr Image kImage = kValidImage;
   static auto entry(const harness::Gpu& gpu) {
     return gpu->validate_resource_memory_layout_metadata;
   }
 };
 
-struct Surface {
-  using Record = SurfaceMetadata;
+struct SurfaceKind : records::SurfaceKind {
   static constexpr char kFunction[] = "validate_surface_metadata";
   static constexpr char kTotal[] = "1053876";  // 5300 + 0x100000
-  static constexpr uint32_t kBytes = 5300;
-  static constexpr uint32_t kSignature = 0xDE5CDA7A;
+  // The actual size is checked. The allocated one is compared with nothing but 0.
+  static constexpr Image kImage = {.offset_bytes = kValidImage.offset_bytes,
+                                   .size_bytes = kValidImage.size_bytes,
+                                   .pitch_bytes = kValidImage.pitch_bytes,
+                                   .slice_pitch_bytes = kValidImage.slice_pitch_bytes,
+                                   .element_bytes = kValidImage.element_bytes,
+                                   .width_el = 200,
+                                   .height_rows = 40,
+                                   .actual_width_el = kValidImage.width_el,
+                                   .actual_height_rows = kValidImage.height_rows};
   static auto entry(const harness::Gpu& gpu) { return gpu->validate_surface_metadata; }
 };
 
@@ -50,71 +76,60 @@ inline void put_checked_width(SurfacePlane& plane, uint32_t width) {
   plane.actual_width = width;
 }
 
-inline void put_other_sizes(PlaneLayout&) {}
-inline void put_other_sizes(SurfacePlane& plane) {  // not compared with anything but 0
-  plane.image_width = 200;
-  plane.image_height = 40;
-}
-inline void put_other_head(MemoryLayout&) {}
-inline void put_other_head(SurfaceMetadata& record) {
-  record.guid = 0xFEEDFACE00000000;
-}
-
-// An image of 256 x 32 bytes in slices of 0x8000, flags of 0x1000 bytes in front.
-template <typename Plane>
-void put_valid_plane(Plane& plane) {
-  plane.image_offset = 0x1000;
-  plane.image_size = 0x2000;
-  plane.image_pitch = 256;
-  plane.image_slice_pitch = 0x8000;
-  plane.image_element_size = 1;
-  put_other_sizes(plane);
-  put_checked_width(plane, 256);
-  put_checked_height(plane, 32);
-  plane.flag_valid = 1;
-  plane.flag_offset = 0;
-  plane.flag_size = 0x1000;
-  plane.flag_pitch = 64;
-  plane.flag_slice_pitch = 0x8000;
-}
-
-// Two slices. Depth buffers of 64 x 64 bytes, and their fast-clear buffers.
-template <typename Level>
-void put_valid_level(Level& level, uint32_t planes) {
-  level.slices = 2;
-  level.tiled = 1;
-  level.size = 0x10000;
-  level.planes = planes;
-  for (uint32_t p = 0; p < planes; ++p) put_valid_plane(level.plane[p]);
-  level.lrz_valid = 1;
-  level.lrz_offset = 0x40000;
-  level.lrz_size = 0x1000;
-  level.lrz_pitch = 64;
-  level.lrz_slice_pitch = 0x1000;
-  level.lrz_width = 64;
-  level.lrz_height = 64;
-  level.lrz_fc_valid = 1;
-  level.lrz_fc_offset = 0x50000;
-  level.lrz_fc_size = 0x1000;
+// Two tiled levels of two slices. The last buffer of all ends at 0x50000 + 0x1000.
+template <typename Kind>
+records::Shape valid_shape() {
+  return {.levels = 2,
+          .slices = 2,
+          .planes = 3,
+          .spare_planes = false,  // they are the canary's
+          .surface_bytes = kSurfaceBytes,
+          .level_bytes = 0x10000,
+          .format = 103,
+          .samples = 1,
+          .guid = 0xFEEDFACE00000000,
+          .uuids = kUuids,
+          .image = Kind::kImage,
+          .flag_buffer = {.offset_bytes = 0,
+                          .size_bytes = 0x1000,
+                          .pitch_bytes = 64,
+                          .slice_pitch_bytes = 0x8000},
+          .depth = {.offset_bytes = 0x40000,
+                    .size_bytes = 0x1000,  // 64 rows x 64 bytes
+                    .pitch_bytes = 64,
+                    .slice_pitch_bytes = 0x1000,
+                    .width_el = 64,
+                    .height_rows = 64,
+                    .fast_clear_offset_bytes = 0x50000,
+                    .fast_clear_size_bytes = 0x1000}};
 }
 
-// Two tiled levels of three and two planes. What no check reads is the canary's.
+template <typename Kind>
+void put_valid_level(typename Kind::Level& level, uint32_t planes) {
+  records::Shape shape = valid_shape<Kind>();
+  shape.planes = planes;
+  records::put_valid_level(level, shape, true);
+}
+
+// Levels of three and of two planes. What no check reads is the canary's.
 template <typename Kind>
 typename Kind::Record valid() {
   auto record = canary<typename Kind::Record>();
-  put_other_head(record);
-  record.signature = Kind::kSignature;
-  record.size = Kind::kBytes;
-  put_words(record.device_uuid, 0x5A52, 6, 0x060310, 0x0310000A);
-  put_words(record.driver_uuid, 4, 1, 3, 0);
-  record.total_size = Kind::kBytes + kSurface;
-  record.alignment = 4096;
-  record.format = 103;
-  record.samples = 1;
-  record.linear_fallback = 0;
-  record.levels = 2;
-  put_valid_level(record.level[0], 3);
-  put_valid_level(record.level[1], 2);
+  records::put_valid_record<Kind>(record, valid_shape<Kind>());
+  record.level[1] = canary<typename Kind::Record>().level[1];
+  put_valid_level<Kind>(record.level[1], 2);
+  return record;
+}
+
+// One level, one plane, one slice, without other buffers.
+template <typename Kind>
+typename Kind::Record plain(uint64_t surface_bytes) {
+  records::Shape shape = valid_shape<Kind>();
+  shape.levels = shape.slices = shape.planes = 1;
+  shape.flags = shape.lrz = false;
+  shape.surface_bytes = surface_bytes;
+  auto record = canary<typename Kind::Record>();
+  records::put_valid_record<Kind>(record, shape);
   return record;
 }
 
@@ -133,24 +148,18 @@ void remove_flags(Level& level) {
 // readable behind it. Expects the result that belongs to it.
 template <typename Kind>
 std::string verdict(harness::Gpu& gpu, const typename Kind::Record& record,
-                    std::size_t readable = Kind::kBytes, const uint8_t* device = nullptr,
-                    const uint8_t* driver = nullptr) {
-  Uuid own_device;
-  Uuid own_driver;
-  put_words(own_device, 0x5A52, 6, 0x060310, 0x0310000A);
-  put_words(own_driver, 4, 1, 3, 0);
+                    std::size_t readable = Kind::kBytes, const Uuids& own = kUuids) {
   harness::GuardedRecord guarded(readable);
   guarded.fill(&record);
   guarded.make_read_only();
-  const uint32_t result = Kind::entry(gpu)(guarded.data(), device != nullptr ? device : own_device,
-                                           driver != nullptr ? driver : own_driver);
+  const uint32_t result = Kind::entry(gpu)(guarded.data(), own.device, own.driver);
   const std::vector<harness::Message> messages = gpu.take_messages();
   if (messages.empty()) {
-    EXPECT_EQ(result, 0u);
+    EXPECT_NUMBER(result, KORVEL_SUCCESS);
     return "";
   }
-  EXPECT_EQ(result, 0xFFFFFFFFu);
-  EXPECT_EQ(messages.size(), 1u);
+  EXPECT_NUMBER(result, KORVEL_FAILURE);
+  EXPECT_NUMBER(messages.size(), 1);
   EXPECT_EQ(messages[0].function, Kind::kFunction);
   return messages[0].text;
 }

@@ -12,86 +12,77 @@ std::string driver_text(uint32_t version) {
 }
 
 TEST(ValidateResource, LayoutVersionsAndSizes) {
+  constexpr uint32_t kBytesOfVersion[] = {0, 5472, 5504, 5512};
   struct Row {
-    uint32_t stored_version;
-    uint32_t own_version;
-    uint32_t size;
-    uint32_t expected_size;  // 0: the version is refused
-    uint32_t reported_version;
+    uint32_t stored;     // the record's version
+    uint32_t own;        // the caller's
+    uint32_t counts_as;  // whose bytes the record must have; 0: it is refused
+    std::vector<uint32_t> sizes;
   };
-  constexpr Row kRows[] = {
-      {3, 3, 5512, 5512, 3},
-      {3, 3, 5511, 5512, 3},
-      {3, 3, 5513, 5512, 3},
-      {3, 3, 5504, 5512, 3},
-      {3, 3, 5472, 5512, 3},
-      {3, 3, 0, 5512, 3},
-      {3, 3, 0xFFFFFFFF, 5512, 3},
-      {1, 3, 5472, 5472, 1},
-      {1, 3, 5471, 5472, 1},
-      {1, 3, 5504, 5472, 1},
-      {1, 3, 5512, 5472, 1},
-      {2, 3, 5504, 5504, 2},
-      {2, 3, 5512, 5504, 2},
-      {2, 3, 5472, 5504, 2},
-      {4, 3, 5512, 0, 0},
-      {0, 3, 5472, 0, 0},
+  const Row rows[] = {
+      {.stored = 3,
+       .own = 3,
+       .counts_as = 3,
+       .sizes = {5512, 5511, 5513, 5504, 5472, 0, 0xFFFFFFFF}},
+      {.stored = 1, .own = 3, .counts_as = 1, .sizes = {5472, 5471, 5504, 5512}},
+      {.stored = 2, .own = 3, .counts_as = 2, .sizes = {5504, 5512, 5472}},
+      {.stored = 4, .own = 3, .counts_as = 0, .sizes = {5512}},
+      {.stored = 0, .own = 3, .counts_as = 0, .sizes = {5472}},
       // Equal versions count as the current one, whatever they are.
-      {4, 4, 5512, 5512, 3},
-      {4, 4, 5520, 5512, 3},
-      {0, 0, 5512, 5512, 3},
-      {1, 1, 5512, 5512, 3},
-      {1, 1, 5472, 5512, 3},
-      {2, 2, 5504, 5512, 3},
+      {.stored = 4, .own = 4, .counts_as = 3, .sizes = {5512, 5520}},
+      {.stored = 0, .own = 0, .counts_as = 3, .sizes = {5512}},
+      {.stored = 1, .own = 1, .counts_as = 3, .sizes = {5512, 5472}},
+      {.stored = 2, .own = 2, .counts_as = 3, .sizes = {5504}},
       // Others go by the record's version.
-      {3, 4, 5512, 5512, 3},
-      {3, 4, 5504, 5512, 3},
-      {3, 1, 5512, 5512, 3},
-      {1, 4, 5472, 5472, 1},
-      {2, 1, 5504, 5504, 2},
-      {1, 2, 5512, 5472, 1},
-      {5, 4, 5512, 0, 0},
+      {.stored = 3, .own = 4, .counts_as = 3, .sizes = {5512, 5504}},
+      {.stored = 3, .own = 1, .counts_as = 3, .sizes = {5512}},
+      {.stored = 1, .own = 4, .counts_as = 1, .sizes = {5472}},
+      {.stored = 2, .own = 1, .counts_as = 2, .sizes = {5504}},
+      {.stored = 1, .own = 2, .counts_as = 1, .sizes = {5512}},
+      {.stored = 5, .own = 4, .counts_as = 0, .sizes = {5512}},
   };
   harness::Gpu gpu(harness::kUnknownChip);
-  for (const Row& row : kRows) {
-    R record = valid<Resource>();
-    put_words(record.driver_uuid, 4, 1, row.stored_version, 0);
-    record.size = row.size;
-    record.total_size = row.expected_size + kSurface;
-    Uuid own;
-    put_words(own, 4, 1, row.own_version, 0);
-    std::string expected;
-    if (row.expected_size == 0) {
-      expected = "Metadata memory layout version mismatch {store uuid " +
-                 driver_text(row.stored_version) + ", struct uuid " + driver_text(row.own_version) +
-                 "}";
-    } else if (row.size != row.expected_size) {
-      expected = "Size of metadata is mismatched {stored size " + std::to_string(row.size) +
-                 ", struct size: " + std::to_string(row.expected_size) +
-                 ", version: " + std::to_string(row.reported_version) + " }";
+  for (const Row& row : rows) {
+    const uint32_t expected_size = kBytesOfVersion[row.counts_as];
+    for (const uint32_t size : row.sizes) {
+      R record = valid<ResourceKind>();
+      put_words(record.driver_uuid, DriverWords{.layout_version = row.stored});
+      record.size = size;
+      record.total_size = expected_size + kSurfaceBytes;
+      Uuids own = kUuids;
+      put_words(own.driver, DriverWords{.layout_version = row.own});
+      std::string expected;
+      if (row.counts_as == 0) {
+        expected = "Metadata memory layout version mismatch {store uuid " +
+                   driver_text(row.stored) + ", struct uuid " + driver_text(row.own) + "}";
+      } else if (size != expected_size) {
+        expected = "Size of metadata is mismatched {stored size " + std::to_string(size) +
+                   ", struct size: " + std::to_string(expected_size) +
+                   ", version: " + std::to_string(row.counts_as) + " }";
+      }
+      // No version is read beyond its own end.
+      const std::size_t readable = row.counts_as == 0 ? 5472 : expected_size;
+      EXPECT_EQ(verdict<ResourceKind>(gpu, record, readable, own), expected)
+          << row.stored << " for " << row.own << ", " << size;
     }
-    // No version is read beyond its own end.
-    const std::size_t readable = row.expected_size == 0 ? 5472 : row.expected_size;
-    EXPECT_EQ(verdict<Resource>(gpu, record, readable, nullptr, own), expected)
-        << row.stored_version << " for " << row.own_version << ", " << row.size;
   }
 }
 
 TEST(ValidateResource, NothingIsReadBehindTheLastLevel) {
   harness::Gpu gpu(harness::kUnknownChip);
   for (const uint32_t tiled : {0U, 1U}) {
-    R record = valid<Resource>();
-    put_words(record.driver_uuid, 4, 1, 1, 0);
+    R record = valid<ResourceKind>();
+    put_words(record.driver_uuid, DriverWords{.layout_version = 1});
     record.size = 5472;  // the first version ends with its fifteenth level
-    record.total_size = 5472 + kSurface;
+    record.total_size = 5472 + kSurfaceBytes;
     record.levels = 15;
     for (LevelLayout& level : record.level) {
-      put_valid_level(level, 3);
+      put_valid_level<ResourceKind>(level, 3);
       level.tiled = tiled;
       remove_lrz(level);
       if (tiled == 0) remove_flags(level);
     }
-    EXPECT_EQ(verdict<Resource>(gpu, record, 5472), "") << tiled;
+    EXPECT_EQ(verdict<ResourceKind>(gpu, record, 5472), "") << tiled;
   }
 }
 
@@ -99,49 +90,54 @@ TEST(ValidateResource, TheSurfaceSizeIsCountedFromTheVersionsOwnSize) {
   struct Row {
     uint32_t version;
     uint32_t size;
-    uint64_t total;
+    uint64_t total_size;
     const char* text;
   };
   constexpr Row kRows[] = {
-      {1, 5472, 5472 + kSurface, ""},
-      {1, 5472, 5512 + kSurface,
-       "Metadata surface size is not aligned {size 1054088, alignment 4096}"},
-      {2, 5504, 5504 + kSurface, ""},
-      {2, 5504, 5472 + kSurface,
-       "Metadata surface size is not aligned {size 1054048, alignment 4096}"},
+      {.version = 1, .size = 5472, .total_size = 5472 + kSurfaceBytes, .text = ""},
+      {.version = 1,
+       .size = 5472,
+       .total_size = 5512 + kSurfaceBytes,
+       .text = "Metadata surface size is not aligned {size 1054088, alignment 4096}"},
+      {.version = 2, .size = 5504, .total_size = 5504 + kSurfaceBytes, .text = ""},
+      {.version = 2,
+       .size = 5504,
+       .total_size = 5472 + kSurfaceBytes,
+       .text = "Metadata surface size is not aligned {size 1054048, alignment 4096}"},
   };
   harness::Gpu gpu(harness::kUnknownChip);
   for (const Row& row : kRows) {
-    R record = valid<Resource>();
-    put_words(record.driver_uuid, 4, 1, row.version, 0);
+    R record = valid<ResourceKind>();
+    put_words(record.driver_uuid, DriverWords{.layout_version = row.version});
     record.size = row.size;
-    record.total_size = row.total;
-    EXPECT_EQ(verdict<Resource>(gpu, record, row.size), row.text);
+    record.total_size = row.total_size;
+    EXPECT_EQ(verdict<ResourceKind>(gpu, record, row.size), row.text);
   }
 }
 
 TEST(ValidateResource, OfTheDriverTheSecondWordMustAgree) {
   harness::Gpu gpu(harness::kUnknownChip);
   struct Row {
-    uint32_t words[4];
+    DriverWords words;
     const char* stored;  // null: accepted
   };
   constexpr Row kRows[] = {
-      {{5, 1, 3, 0}, nullptr},
-      {{0, 1, 3, 0xFFFFFFFF}, nullptr},
-      {{4, 0, 3, 0}, "04000000-0000-0000-0300-000000000000"},
-      {{4, 2, 3, 0}, "04000000-0200-0000-0300-000000000000"},
-      {{4, 0x01000001, 3, 0}, "04000000-0100-0001-0300-000000000000"},
-      {{4, 2, 9, 7}, "04000000-0200-0000-0900-000007000000"},
+      {.words = {.signature = 5}, .stored = nullptr},
+      {.words = {.signature = 0, .unused = 0xFFFFFFFF}, .stored = nullptr},
+      {.words = {.driver_version = 0}, .stored = "04000000-0000-0000-0300-000000000000"},
+      {.words = {.driver_version = 2}, .stored = "04000000-0200-0000-0300-000000000000"},
+      {.words = {.driver_version = 0x01000001}, .stored = "04000000-0100-0001-0300-000000000000"},
+      {.words = {.driver_version = 2, .layout_version = 9, .unused = 7},
+       .stored = "04000000-0200-0000-0900-000007000000"},
   };
   for (const Row& row : kRows) {
-    R record = valid<Resource>();
-    put_words(record.driver_uuid, row.words[0], row.words[1], row.words[2], row.words[3]);
+    R record = valid<ResourceKind>();
+    put_words(record.driver_uuid, row.words);
     const std::string expected =
         row.stored == nullptr ? ""
                               : std::string("Metadata driver version mismatch {store uuid ") +
                                     row.stored + ", struct uuid " + kDriverText + "}";
-    EXPECT_EQ(verdict<Resource>(gpu, record), expected);
+    EXPECT_EQ(verdict<ResourceKind>(gpu, record), expected);
   }
 }
 
@@ -149,7 +145,7 @@ TEST(ValidateResource, ImageSizes) {
   const std::string sizes = "Metadata level image size mismatch {level 1, plane 1, ";
   const std::string pitch = "Metadata level image pitch mismatch {level 1, plane 1, ";
   const std::string zero = "Metadata level image invalid dimensions {level 1, plane 1, ";
-  check_changes_of_both<Resource>({
+  check_changes_of_both<ResourceKind>({
       {"size", [](R& r) { r.level[1].plane[1].image_size = 0x1FFF; },
        sizes + "image size 8191, image pitch 256, image height 32, image slice pitch 32768}"},
       {"height", [](R& r) { r.level[1].plane[1].image_height = 33; },
@@ -195,59 +191,55 @@ TEST(ValidateResource, ImageSizes) {
   });
 }
 
-// A record of one level, one plane, one slice, without other buffers.
-R plain(uint64_t surface) {
-  R record = valid<Resource>();
-  record.levels = 1;
-  record.total_size = 5512 + surface;
-  put_valid_level(record.level[0], 1);
-  remove_lrz(record.level[0]);
-  remove_flags(record.level[0]);
-  record.level[0].slices = 1;
-  return record;
-}
-
 TEST(ValidateResource, TheSurfaceSizeHas32BitsAndASign) {
   harness::Gpu gpu(harness::kUnknownChip);
   struct Row {
-    uint64_t surface;
+    uint64_t surface_bytes;
     uint64_t last_offset;  // of an image of 0x2000 bytes that is still inside
     const char* bound;
   };
   constexpr Row kRows[] = {
-      {0x7FFFF000, 0x7FFFD000, "2147479552"},
-      // From 2^31 on the bound is the sign-extended size.
-      {0x80000000, 0xFFFFFFFF7FFFE000, "18446744071562067968"},
-      {0xFFFFF000, 0xFFFFFFFFFFFFD000, "18446744073709547520"},
-      // From 2^32 on the upper half is lost.
-      {0x100100000, 0xFE000, "1048576"},
-      {0x180000000, 0xFFFFFFFF7FFFE000, "18446744071562067968"},
-      {0x7FFFFFFF00002000, 0, "8192"},
+      // 2^31 - 4096, of which the image takes the last 0x2000 bytes.
+      {.surface_bytes = 0x7FFFF000, .last_offset = 0x7FFFD000, .bound = "2147479552"},
+      // From 2^31 on the bound is the sign-extended size: 2^64 - 2^31,
+      {.surface_bytes = 0x80000000,
+       .last_offset = 0xFFFFFFFF7FFFE000,
+       .bound = "18446744071562067968"},
+      // 2^64 - 4096.
+      {.surface_bytes = 0xFFFFF000,
+       .last_offset = 0xFFFFFFFFFFFFD000,
+       .bound = "18446744073709547520"},
+      // From 2^32 on the upper half is lost: 2^20, 2^31 with its sign, and 0x2000 are left.
+      {.surface_bytes = 0x100100000, .last_offset = 0xFE000, .bound = "1048576"},
+      {.surface_bytes = 0x180000000,
+       .last_offset = 0xFFFFFFFF7FFFE000,
+       .bound = "18446744071562067968"},
+      {.surface_bytes = 0x7FFFFFFF00002000, .last_offset = 0, .bound = "8192"},
   };
   for (const Row& row : kRows) {
-    R record = plain(row.surface);
+    R record = plain<ResourceKind>(row.surface_bytes);
     record.level[0].plane[0].image_offset = row.last_offset;
-    EXPECT_EQ(verdict<Resource>(gpu, record), "") << row.surface;
+    EXPECT_EQ(verdict<ResourceKind>(gpu, record), "") << row.surface_bytes;
     record.level[0].plane[0].image_offset = row.last_offset + 1;
     EXPECT_EQ(
-        verdict<Resource>(gpu, record),
+        verdict<ResourceKind>(gpu, record),
         "Metadata level image buffer exceeds surface bounds {level 0, plane 0, image offset " +
             std::to_string(row.last_offset + 1) +
             ", image slice pitch 32768, slices 1, image size 8192, surface size " + row.bound +
             "}");
   }
   // Exactly 4 GiB: a surface of 0 bytes.
-  R record = plain(0x100000000);
+  R record = plain<ResourceKind>(0x100000000);
   record.level[0].plane[0].image_offset = 0;
-  EXPECT_EQ(verdict<Resource>(gpu, record),
+  EXPECT_EQ(verdict<ResourceKind>(gpu, record),
             "Metadata level image buffer exceeds surface bounds {level 0, plane 0, image offset 0, "
             "image slice pitch 32768, slices 1, image size 8192, surface size 0}");
   // The level is compared with all 64 bits of the total.
-  record = plain(0x180000000);
+  record = plain<ResourceKind>(0x180000000);
   record.level[0].size = record.total_size;
-  EXPECT_EQ(verdict<Resource>(gpu, record), "");
+  EXPECT_EQ(verdict<ResourceKind>(gpu, record), "");
   record.level[0].size = record.total_size + 1;
-  EXPECT_EQ(verdict<Resource>(gpu, record),
+  EXPECT_EQ(verdict<ResourceKind>(gpu, record),
             "Metadata level size is invalid value {level 0, size 6442456457, surface size "
             "6442456456}");
 }
@@ -255,35 +247,35 @@ TEST(ValidateResource, TheSurfaceSizeHas32BitsAndASign) {
 TEST(ValidateResource, ATotalBelowTheRecordsSizeWraps) {
   // 100 - 5512 = -5412: a multiple of 4, and as a bound next to 2^64.
   harness::Gpu gpu(harness::kUnknownChip);
-  R record = plain(0);
+  R record = plain<ResourceKind>(0);
   record.total_size = 100;
   record.alignment = 4;
   record.level[0].size = 100;
-  EXPECT_EQ(verdict<Resource>(gpu, record), "");
+  EXPECT_EQ(verdict<ResourceKind>(gpu, record), "");
   record.alignment = 8;
-  EXPECT_EQ(verdict<Resource>(gpu, record),
+  EXPECT_EQ(verdict<ResourceKind>(gpu, record),
             "Metadata surface size is not aligned {size 100, alignment 8}");
 }
 
 TEST(ValidateResource, OnlyTheLowHalfOfTheSurfaceSizeMustBeAligned) {
   harness::Gpu gpu(harness::kUnknownChip);
-  R record = plain(0x180000000);
+  R record = plain<ResourceKind>(0x180000000);
   record.alignment = 0x80000000;
-  EXPECT_EQ(verdict<Resource>(gpu, record), "");
-  record = plain(0x140000000);
+  EXPECT_EQ(verdict<ResourceKind>(gpu, record), "");
+  record = plain<ResourceKind>(0x140000000);
   record.alignment = 0x80000000;
-  EXPECT_EQ(verdict<Resource>(gpu, record),
+  EXPECT_EQ(verdict<ResourceKind>(gpu, record),
             "Metadata surface size is not aligned {size 5368714632, alignment 2147483648}");
 }
 
 TEST(ValidateResource, TheExtraBufferIsNotChecked) {
   harness::Gpu gpu(harness::kUnknownChip);
-  R record = valid<Resource>();
+  R record = valid<ResourceKind>();
   record.extra_valid = 0xFFFFFFFF;
   record.extra_offset = record.extra_size = record.extra_slice_pitch = 0xFFFFFFFFFFFFFFFF;
   record.extended = 77;
   record.reserved_60 = 0xFFFFFFFF;
-  EXPECT_EQ(verdict<Resource>(gpu, record), "");
+  EXPECT_EQ(verdict<ResourceKind>(gpu, record), "");
 }
 
 }  // namespace

@@ -8,7 +8,7 @@ namespace {
 using R = SurfaceMetadata;
 
 TEST(ValidateSurface, HeadWords) {
-  check_changes<Surface>({
+  check_changes<SurfaceKind>({
       {"size", [](R& r) { r.size = 5299; },
        "Size of metadata is mismatched {stored size 5299, struct size 5300}"},
       {"size", [](R& r) { r.size = 5301; },
@@ -26,24 +26,26 @@ TEST(ValidateSurface, HeadWords) {
 TEST(ValidateSurface, OfTheDriverTheFirstWordMustAgree) {
   harness::Gpu gpu(harness::kUnknownChip);
   struct Row {
-    uint32_t words[4];
+    DriverWords words;
     const char* stored;  // null: accepted
   };
   constexpr Row kRows[] = {
-      {{4, 2, 3, 0}, nullptr},
-      {{4, 0, 9, 0xFFFFFFFF}, nullptr},  // no version selects another size
-      {{5, 1, 3, 0}, "05000000-0100-0000-0300-000000000000"},
-      {{0, 1, 3, 0}, "00000000-0100-0000-0300-000000000000"},
-      {{0x01000004, 1, 3, 0}, "04000001-0100-0000-0300-000000000000"},
+      {.words = {.driver_version = 2}, .stored = nullptr},
+      // No version selects another size.
+      {.words = {.driver_version = 0, .layout_version = 9, .unused = 0xFFFFFFFF},
+       .stored = nullptr},
+      {.words = {.signature = 5}, .stored = "05000000-0100-0000-0300-000000000000"},
+      {.words = {.signature = 0}, .stored = "00000000-0100-0000-0300-000000000000"},
+      {.words = {.signature = 0x01000004}, .stored = "04000001-0100-0000-0300-000000000000"},
   };
   for (const Row& row : kRows) {
-    R record = valid<Surface>();
-    put_words(record.driver_uuid, row.words[0], row.words[1], row.words[2], row.words[3]);
+    R record = valid<SurfaceKind>();
+    put_words(record.driver_uuid, row.words);
     const std::string expected =
         row.stored == nullptr ? ""
                               : std::string("Metadata driver version mismatch {store uuid ") +
                                     row.stored + ", struct uuid " + kDriverText + "}";
-    EXPECT_EQ(verdict<Surface>(gpu, record), expected);
+    EXPECT_EQ(verdict<SurfaceKind>(gpu, record), expected);
   }
 }
 
@@ -51,7 +53,7 @@ TEST(ValidateSurface, ActualAndAllocatedImageSizes) {
   const std::string sizes = "Metadata level image size mismatch {level 1, plane 1, ";
   const std::string pitch = "Metadata level image pitch mismatch {level 1, plane 1, ";
   const std::string zero = "Metadata level image invalid dimensions {level 1, plane 1, ";
-  check_changes_of_both<Surface>({
+  check_changes_of_both<SurfaceKind>({
       {"size", [](R& r) { r.level[1].plane[1].image_size = 0x1FFF; },
        sizes + "image size 8191, image pitch 256, actual height 32, image slice pitch 32768}"},
       {"height", [](R& r) { r.level[1].plane[1].actual_height = 33; },
@@ -104,52 +106,41 @@ TEST(ValidateSurface, ActualAndAllocatedImageSizes) {
   });
 }
 
-R plain(uint64_t surface) {
-  R record = valid<Surface>();
-  record.levels = 1;
-  record.total_size = 5300 + surface;
-  put_valid_level(record.level[0], 1);
-  remove_lrz(record.level[0]);
-  remove_flags(record.level[0]);
-  record.level[0].slices = 1;
-  return record;
-}
-
 TEST(ValidateSurface, TheSurfaceSizeHas64Bits) {
   harness::Gpu gpu(harness::kUnknownChip);
   for (const uint64_t surface :
        {uint64_t{0x7FFFF000}, uint64_t{0x80000000}, uint64_t{0xFFFFF000}, uint64_t{0x100000000},
         uint64_t{0x180000000}, uint64_t{0x7FFFFFFFFFFFF000}, uint64_t{0xFFFFFFFFFFFFE000}}) {
-    R record = plain(surface);
+    R record = plain<SurfaceKind>(surface);
     record.level[0].plane[0].image_offset = surface - 0x2000;
-    EXPECT_EQ(verdict<Surface>(gpu, record), "") << surface;
+    EXPECT_EQ(verdict<SurfaceKind>(gpu, record), "") << surface;
     record.level[0].plane[0].image_offset = surface - 0x1FFF;
     EXPECT_EQ(
-        verdict<Surface>(gpu, record),
+        verdict<SurfaceKind>(gpu, record),
         "Metadata level image buffer exceeds surface bounds {level 0, plane 0, image offset " +
             std::to_string(surface - 0x1FFF) +
             ", image slice pitch 32768, slices 1, image size 8192, surface size " +
             std::to_string(surface) + "}");
   }
   // And all of them must be aligned.
-  R record = plain(0x140000000);
+  R record = plain<SurfaceKind>(0x140000000);
   record.alignment = 0x40000000;
-  EXPECT_EQ(verdict<Surface>(gpu, record), "");
+  EXPECT_EQ(verdict<SurfaceKind>(gpu, record), "");
   record.alignment = 0x80000000;
-  EXPECT_EQ(verdict<Surface>(gpu, record),
+  EXPECT_EQ(verdict<SurfaceKind>(gpu, record),
             "Metadata surface size is not aligned {size 5368714420, alignment 2147483648}");
 }
 
 TEST(ValidateSurface, ATotalBelowTheRecordsSizeWraps) {
   // 100 - 5300 = -5200: a multiple of 16, and as a bound next to 2^64.
   harness::Gpu gpu(harness::kUnknownChip);
-  R record = plain(0);
+  R record = plain<SurfaceKind>(0);
   record.total_size = 100;
   record.alignment = 16;
   record.level[0].size = 100;
-  EXPECT_EQ(verdict<Surface>(gpu, record), "");
+  EXPECT_EQ(verdict<SurfaceKind>(gpu, record), "");
   record.alignment = 32;
-  EXPECT_EQ(verdict<Surface>(gpu, record),
+  EXPECT_EQ(verdict<SurfaceKind>(gpu, record),
             "Metadata surface size is not aligned {size 100, alignment 32}");
 }
 

@@ -1,4 +1,6 @@
 // Which of the library's own records its validator accepts, and why it refuses the others.
+#include "tests/layout/chosen_chips.h"
+#include "tests/layout/expected_layouts.h"
 #include "tests/layout/stored_records.h"
 
 namespace layout_test {
@@ -6,30 +8,21 @@ namespace {
 
 using Columns = korvel::ChipColumns;
 
-struct Description {
-  int32_t width = 100;
-  int32_t height = 50;
-  int32_t depth = 1;
-  uint32_t format = 28;
-  uint32_t samples = 1;
-  uint32_t mode = kTiled;
-  uint64_t flags = 0;
-  uint32_t planes = 1;
-};
+// The UUIDs that the library makes for a chip.
+Uuids uuids_of(const harness::Gpu& gpu, const harness::ChipData& chip) {
+  Uuids uuids;
+  EXPECT_NUMBER(
+      gpu->get_device_uuid(uuids.device, 16, chip.family_id, chip.model_code, chip.rev_id), 0);
+  EXPECT_NUMBER(gpu->get_driver_uuid(uuids.driver, 16), 0);
+  return uuids;
+}
 
 // The validator's message, "" when it accepts the record; with the UUIDs of the GPU that wrote it.
 std::string verdict_on_written(harness::Gpu& gpu, const harness::ChipData& chip,
-                               const Description& d) {
-  auto blob = canary<LayoutMetadata>();
-  EXPECT_EQ(gpu->korvel_init_memory_layout(&blob, d.width, d.height, d.depth, d.format, d.samples,
-                                           d.mode, d.flags, d.planes),
-            0u);
+                               const Request& request) {
+  const LayoutMetadata blob = laid_out(gpu, request);
   (void)gpu.take_messages();  // of chips without rules
-  uint8_t device[16];
-  uint8_t driver[16];
-  EXPECT_EQ(gpu->get_device_uuid(device, 16, chip.family_id, chip.model_code, chip.rev_id), 0);
-  EXPECT_EQ(gpu->get_driver_uuid(driver, 16), 0);
-  return verdict<Resource>(gpu, blob.layout, 5512, device, driver);
+  return verdict<ResourceKind>(gpu, blob.layout, kRecordBytes, uuids_of(gpu, chip));
 }
 
 uint32_t plane_count(uint32_t format) {
@@ -78,16 +71,16 @@ TEST(ValidateWritten, EveryFormatOfEveryFamily) {
     harness::Gpu gpu(chip.chip_id);
     for (uint32_t format = 1; format <= 721; ++format) {
       const uint32_t planes = plane_count(format);
-      const uint64_t flags = LAYOUT_FLAG_EXTRA | LAYOUT_FLAG_EXTENDED |
-                             (no_flags(family, format) ? 0 : LAYOUT_FLAG_UBWC);
+      const uint64_t flags = kExtra | kExtended | (no_flags(family, format) ? 0 : kUbwc);
       EXPECT_EQ(verdict_on_written(
                     gpu, chip, {.depth = 3, .format = format, .flags = flags, .planes = planes}),
                 "")
           << family << ": " << format;
       if (must_be_tiled(format)) continue;
-      EXPECT_EQ(verdict_on_written(
-                    gpu, chip, {.depth = 3, .format = format, .mode = kLinear, .planes = planes}),
-                "")
+      EXPECT_EQ(
+          verdict_on_written(
+              gpu, chip, {.depth = 3, .format = format, .tiling_mode = kLinear, .planes = planes}),
+          "")
           << family << ": " << format;
     }
   }
@@ -101,73 +94,73 @@ TEST(ValidateWritten, SamplesAndSizes) {
       for (const int32_t size : {1, 16, 63, 64, 65, 2049}) {
         for (const int32_t depth : {1, 2, 17}) {
           for (const uint32_t mode : {kLinear, kTiled}) {
-            const Description d{.width = size,
-                                .height = size,
-                                .depth = depth,
-                                .samples = samples,
-                                .mode = mode,
-                                .flags = mode == kTiled ? LAYOUT_FLAG_UBWC : 0};
-            EXPECT_EQ(verdict_on_written(gpu, chip, d), "")
+            const Request request{.width_px = size,
+                                  .height_px = size,
+                                  .depth = depth,
+                                  .samples = samples,
+                                  .tiling_mode = mode,
+                                  .flags = mode == kTiled ? kUbwc : 0};
+            EXPECT_EQ(verdict_on_written(gpu, chip, request), "")
                 << family << ": " << size << ", " << depth << ", " << samples;
           }
         }
       }
     }
-    EXPECT_EQ(verdict_on_written(gpu, chip, {.width = 1, .height = 1, .depth = 2048}), "");
+    EXPECT_EQ(verdict_on_written(gpu, chip, {.width_px = 1, .height_px = 1, .depth = 2048}), "");
     // Rows that the pitch limit cuts below the width are described as they are stored.
-    EXPECT_EQ(verdict_on_written(gpu, chip, {.width = 20000, .mode = kLinear}), "");
+    EXPECT_EQ(verdict_on_written(gpu, chip, {.width_px = 20000, .tiling_mode = kLinear}), "");
   }
 }
 
 TEST(ValidateWritten, WhatTheWriterAllowsAndTheValidatorRefuses) {
   struct Row {
-    Description description;
+    Request request;
     const char* text;
   };
   const Row rows[] = {
       // The writer gives linear surfaces flag buffers too.
-      {{.mode = kLinear, .flags = LAYOUT_FLAG_UBWC},
+      {{.tiling_mode = kLinear, .flags = kUbwc},
        "Metadata level flagbuffer enabled but tiling is disabled {level 0, plane 0}"},
       // Other modes have an alignment of 0,
-      {{.mode = 2}, "Metadata alignment is not pot 0"},
-      {{.mode = 0xFFFFFFFF}, "Metadata alignment is not pot 0"},
+      {{.tiling_mode = 2}, "Metadata alignment is not pot 0"},
+      {{.tiling_mode = 0xFFFFFFFF}, "Metadata alignment is not pot 0"},
       // more than 2048 slices are laid out,
       {{.depth = 2049}, "Metadata level slices is invalid value {level 0, slices 2049}"},
       // and surfaces of no planes, of no bytes.
       {{.planes = 0}, "Metadata level size is invalid value {level 0, size 0, surface size 5512}"},
       // 2^32 bytes that wrapped to 0 in the slice,
-      {{.width = 32768, .height = 32768},
+      {{.width_px = 32768, .height_px = 32768},
        "Metadata level size is invalid value {level 0, size 0, surface size 5512}"},
       // and 4 x 2^30 that did not, but are 0 to the validator; 5 x 2^30 are 2^30.
-      {{.width = 16384, .height = 16384, .depth = 4},
+      {{.width_px = 16384, .height_px = 16384, .depth = 4},
        "Metadata level image buffer exceeds surface bounds {level 0, plane 0, image offset 0, "
        "image slice pitch 1073741824, slices 4, image size 1073741824, surface size 0}"},
-      {{.width = 16384, .height = 16384, .depth = 5},
+      {{.width_px = 16384, .height_px = 16384, .depth = 5},
        "Metadata level image buffer exceeds surface bounds {level 0, plane 0, image offset 0, "
        "image slice pitch 1073741824, slices 5, image size 1073741824, surface size 1073741824}"},
       // 2 and 3 x 2^30 are negative there, which bounds nothing.
-      {{.width = 16384, .height = 16384, .depth = 2}, ""},
-      {{.width = 16384, .height = 16384, .depth = 3}, ""},
+      {{.width_px = 16384, .height_px = 16384, .depth = 2}, ""},
+      {{.width_px = 16384, .height_px = 16384, .depth = 3}, ""},
       // 65536 x 4112 x 16 = 2^32 + 2^24 bytes, of which 2^24 are counted: pitch x height wraps
       // alike.
-      {{.width = 65536, .height = 4112, .format = 2}, ""},
+      {{.width_px = 65536, .height_px = 4112, .format = 2}, ""},
   };
   for (const uint32_t family : kFamilies) {
     const harness::ChipData& chip = harness::full_chip(family);
     harness::Gpu gpu(chip.chip_id);
     for (const Row& row : rows) {
-      EXPECT_EQ(verdict_on_written(gpu, chip, row.description), row.text) << family;
+      EXPECT_EQ(verdict_on_written(gpu, chip, row.request), row.text) << family;
     }
   }
 }
 
 TEST(ValidateWritten, ChipsOutsideAColumn) {
-  const auto verdict_of = [](const harness::ChipData& chip, const Description& d) {
+  const auto verdict_of = [](const harness::ChipData& chip, const Request& request) {
     harness::Gpu gpu(chip.chip_id);
-    return verdict_on_written(gpu, chip, d);
+    return verdict_on_written(gpu, chip, request);
   };
-  const Description tiled{.flags = LAYOUT_FLAG_UBWC};
-  const Description linear{.mode = kLinear};
+  const Request tiled{.flags = kUbwc};
+  const Request linear{.tiling_mode = kLinear};
   const std::string no_bytes =
       "Metadata level size is invalid value {level 0, size 0, surface size 5512}";
   // Images of no bytes.
@@ -189,13 +182,10 @@ TEST(ValidateWritten, ChipsOutsideAColumn) {
 }
 
 TEST(ValidateWritten, ChipsWithoutRules) {
-  const harness::ChipData& chip =
-      harness::chip_where("in every column and unsupported", [](const harness::ChipData& c) {
-        return !c.supported && harness::in_every_column(c.columns) && !c.ubwc.never;
-      });
+  const harness::ChipData& chip = unsupported_chip();
   harness::Gpu gpu(chip.chip_id);
-  EXPECT_EQ(verdict_on_written(gpu, chip, {.flags = LAYOUT_FLAG_UBWC}), "");
-  EXPECT_EQ(verdict_on_written(gpu, chip, {.mode = kLinear}), "");
+  EXPECT_EQ(verdict_on_written(gpu, chip, {.flags = kUbwc}), "");
+  EXPECT_EQ(verdict_on_written(gpu, chip, {.tiling_mode = kLinear}), "");
 }
 
 TEST(ValidateWritten, UnknownChips) {
@@ -213,9 +203,10 @@ TEST(ValidateWritten, ModelsWithoutAPitchLimit) {
                harness::model_of(c).max_surface_pitch == 0;
       });
   harness::Gpu gpu(chip.chip_id);
-  EXPECT_EQ(verdict_on_written(gpu, chip, {.width = 129, .mode = kLinear}),
+  EXPECT_EQ(verdict_on_written(gpu, chip, {.width_px = 129, .tiling_mode = kLinear}),
             "Metadata level size is invalid value {level 0, size 0, surface size 5512}");
-  EXPECT_EQ(verdict_on_written(gpu, chip, {.width = 128, .mode = kLinear}), "");  // 512 bytes
+  EXPECT_EQ(verdict_on_written(gpu, chip, {.width_px = 128, .tiling_mode = kLinear}),
+            "");  // 512 bytes
 }
 
 TEST(ValidateWritten, AnotherGpuOrDriverIsRefused) {
@@ -231,29 +222,20 @@ TEST(ValidateWritten, MipChains) {
   for (const uint32_t family : kFamilies) {
     const harness::ChipData& chip = harness::full_chip(family);
     harness::Gpu gpu(chip.chip_id);
-    uint8_t device[16];
-    uint8_t driver[16];
-    EXPECT_EQ(gpu->get_device_uuid(device, 16, chip.family_id, chip.model_code, chip.rev_id), 0);
-    EXPECT_EQ(gpu->get_driver_uuid(driver, 16), 0);
-    struct Row {
-      uint32_t format;
-      uint32_t mode;
-      uint64_t flags;
-      uint32_t planes;
-    };
-    for (const Row& row :
-         {Row{28, kTiled, 0, 1}, Row{28, kTiled, LAYOUT_FLAG_UBWC, 1}, Row{28, kLinear, 0, 1},
-          Row{103, kTiled, LAYOUT_FLAG_UBWC, 2}, Row{71, kTiled, 0, 1}}) {
+    const Uuids uuids = uuids_of(gpu, chip);
+    for (Request request :
+         {Request{.format = 28}, Request{.format = 28, .flags = kUbwc},
+          Request{.format = 28, .tiling_mode = kLinear},
+          Request{.format = 103, .flags = kUbwc, .planes = 2}, Request{.format = 71}}) {
+      request.height_px = 100;
+      request.depth = 3;
       for (const uint32_t levels : {1u, 7u, 15u}) {
         LayoutMetadata blob{};
-        EXPECT_EQ(gpu->korvel_init_memory_layout(&blob, 100, 100, 3, row.format, 1, row.mode,
-                                                 row.flags, row.planes),
-                  0u);
+        EXPECT_NUMBER(init_layout(gpu, &blob, request), 0);
         blob.layout.levels = levels;
-        gpu->korvel_init_multi_level_surface(&blob.layout, 100, 100, 3, row.format, 1, row.mode,
-                                             row.flags, row.planes);
-        EXPECT_EQ(verdict<Resource>(gpu, blob.layout, 5512, device, driver), "")
-            << row.format << ", " << levels;
+        init_multi_level(gpu, blob.layout, request);
+        EXPECT_EQ(verdict<ResourceKind>(gpu, blob.layout, kRecordBytes, uuids), "")
+            << request.format << ", " << levels;
       }
     }
   }

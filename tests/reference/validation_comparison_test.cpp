@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "tests/harness/chips.h"
+#include "tests/records/valid_record.h"
 #include "tests/reference/comparison.h"
 
 using comparison::Arguments;
@@ -12,61 +13,29 @@ using comparison::Pair;
 
 namespace {
 
-struct Uuids {
-  uint8_t device[KORVEL_UUID_BYTES];
-  uint8_t driver[KORVEL_UUID_BYTES];
-};
-
-Uuids make_uuids(Pair& pair) {
-  Uuids uuids;
+records::Uuids make_uuids(Pair& pair) {
+  records::Uuids uuids;
   pair.gpu->get_device_uuid(uuids.device, KORVEL_UUID_BYTES, 6, 7, 8);
   pair.gpu->get_driver_uuid(uuids.driver, KORVEL_UUID_BYTES);
   return uuids;
 }
 
-// A record of `levels` levels that passes every check, in either layout.
-template <typename Record>
-void fill_valid(Record& record, uint32_t levels, uint32_t size, const Uuids& uuids, Arguments& a) {
-  record.size = size;
-  std::memcpy(record.device_uuid, uuids.device, sizeof uuids.device);
-  std::memcpy(record.driver_uuid, uuids.driver, sizeof uuids.driver);
-  record.total_size = size + 0x100000;
-  record.alignment = 4096;
-  record.format = 28;
-  record.samples = 4;
-  record.levels = levels;
-  record.linear_fallback = a.below(2);
-  const uint32_t lrz = a.below(2);
+// A record that passes every check, with any numbers of slices and planes in each level.
+template <typename Kind>
+typename Kind::Record draw_valid_record(uint32_t levels, const records::Uuids& uuids,
+                                        Arguments& a) {
+  const uint32_t linear_fallback = a.below(2);
+  auto record = records::valid_record<Kind>(
+      {.levels = levels,
+       .first_linear_level = linear_fallback != 0 ? 2U : uint32_t{KORVEL_MAX_LEVELS},
+       .lrz = a.below(2) != 0,
+       .uuids = uuids});
+  record.linear_fallback = linear_fallback;  // also with no level beyond the second
   for (uint32_t l = 0; l < levels; ++l) {
-    auto& level = record.level[l];
-    level.slices = 1 + a.below(3);
-    level.tiled = record.linear_fallback != 0 && l >= 2 ? 0 : 1;
-    level.size = 0x4000;
-    level.planes = 1 + a.below(3);
-    level.lrz_valid = level.lrz_fc_valid = lrz;
-    level.lrz_offset = 0x1000;
-    level.lrz_size = 0x800;
-    level.lrz_pitch = 64;
-    level.lrz_slice_pitch = 0x1000;
-    level.lrz_width = 60;
-    level.lrz_height = 32;
-    level.lrz_fc_offset = 0;
-    level.lrz_fc_size = 512;
-    for (auto& plane : level.plane) {
-      plane.image_offset = 0x2000;
-      plane.image_size = 0x1000;
-      plane.image_pitch = 256;
-      plane.image_slice_pitch = 0x2000;
-      plane.image_element_size = 4;
-      plane.image_width = 64;
-      plane.image_height = 16;
-      plane.flag_valid = level.tiled;
-      plane.flag_offset = 0x8000;
-      plane.flag_size = 0x1000;
-      plane.flag_pitch = 64;
-      plane.flag_slice_pitch = 0x1000;
-    }
+    record.level[l].slices = 1 + a.below(3);
+    record.level[l].planes = 1 + a.below(3);
   }
+  return record;
 }
 
 uint32_t interesting_word(Arguments& a, uint32_t old) {
@@ -94,7 +63,7 @@ void mutate(unsigned char* record, std::size_t bytes, Arguments& a) {
 }
 
 template <typename Validate, typename Reference>
-void compare(Pair& pair, const void* record, const Uuids& uuids, Validate validate,
+void compare(Pair& pair, const void* record, const records::Uuids& uuids, Validate validate,
              Reference expected) {
   EXPECT_EQ(validate(record, uuids.device, uuids.driver),
             expected(pair.process, record, uuids.device, uuids.driver));
@@ -111,13 +80,11 @@ std::size_t counted_bytes(uint32_t levels) {
 
 TEST(ValidationComparison, MutatedLayoutRecords) {
   Pair pair(harness::full_chip(6));
-  const Uuids uuids = make_uuids(pair);
+  const records::Uuids uuids = make_uuids(pair);
   Arguments a(1);
   for (uint32_t i = 0; i < 30000 * comparison::factor(); ++i) {
     const uint32_t levels = 1 + a.below(15);
-    MemoryLayout record{};
-    record.signature = KORVEL_LAYOUT_SIGNATURE;
-    fill_valid(record, levels, 5512, uuids, a);
+    auto record = draw_valid_record<records::ResourceKind>(levels, uuids, a);
     mutate(reinterpret_cast<unsigned char*>(&record), counted_bytes<MemoryLayout>(levels), a);
     compare(pair, &record, uuids, pair.gpu->validate_resource_memory_layout_metadata,
             reference::validate_resource_memory_layout_metadata);
@@ -127,20 +94,11 @@ TEST(ValidationComparison, MutatedLayoutRecords) {
 
 TEST(ValidationComparison, MutatedSurfaceRecords) {
   Pair pair(harness::full_chip(6));
-  const Uuids uuids = make_uuids(pair);
+  const records::Uuids uuids = make_uuids(pair);
   Arguments a(2);
   for (uint32_t i = 0; i < 30000 * comparison::factor(); ++i) {
     const uint32_t levels = 1 + a.below(15);
-    SurfaceMetadata record{};
-    record.signature = KORVEL_SURFACE_SIGNATURE;
-    record.guid = 0x100000000;
-    fill_valid(record, levels, 5300, uuids, a);
-    for (auto& level : record.level) {
-      for (auto& plane : level.plane) {
-        plane.actual_width = 60;
-        plane.actual_height = 15;
-      }
-    }
+    auto record = draw_valid_record<records::SurfaceKind>(levels, uuids, a);
     // The identity stands at the end of this record.
     const bool at_end = a.one_in(8);
     auto* bytes = reinterpret_cast<unsigned char*>(&record);

@@ -7,6 +7,7 @@
 
 #include "identify/hardware_data.h"
 #include "tests/harness/chips.h"
+#include "tests/tools/json_words.h"
 #include "tests/tools/run_tool.h"
 
 namespace tool_test {
@@ -50,14 +51,15 @@ TEST(Chips, JsonHoldsTheRows) {
   for (std::size_t i = 0; i < chips.size(); ++i) {
     const korvel::ChipData& row = korvel::kChipData[i];
     const json& chip = chips.at(i);
-    EXPECT_EQ(chip.at("chip_id"), row.chip_id);
-    EXPECT_EQ(chip.at("rev_id"), row.rev_id);
+    expect_word(chip, "chip_id", row.chip_id);
+    expect_word(chip, "rev_id", row.rev_id);
     EXPECT_EQ(chip.at("supported"), row.supported);
     EXPECT_EQ(chip.at("columns").at("aux_alignment"), row.columns.aux_alignment);
     EXPECT_EQ(chip.at("columns").at("wide_enough_for_tiling"), row.columns.wide_enough_for_tiling);
     EXPECT_EQ(chip.at("ubwc_yuv16"), row.ubwc.yuv16);
-    EXPECT_EQ(chip.at("max_surface_pitch"), harness::model_of(row).max_surface_pitch);
-    EXPECT_EQ(chip.at("padding_g"), harness::model_of(row).padding_g);
+    expect_word(chip, "max_surface_pitch",
+                static_cast<uint64_t>(harness::model_of(row).max_surface_pitch));
+    expect_word(chip, "padding_g", harness::model_of(row).padding_g);
     EXPECT_EQ(chip.at("p016"), harness::model_of(row).p016);
   }
 }

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/harness/chips.h"
+#include "tests/harness/off_by.h"
 #include "tests/tools/run_tool.h"
 
 namespace tool_test {
@@ -55,13 +56,13 @@ TEST(Formats, EveryNameMeansItsNumber) {
     EXPECT_TRUE((id >= 1 && id <= 115) || (id >= 133 && id <= 187)) << id;
     ++named;
   }
-  EXPECT_EQ(named, 115 + 14 * 3);
+  EXPECT_NUMBER(named, 115 + 14 * 3);  // the DXGI formats, and three classes of 14 ASTC block sizes
 }
 
 TEST(Formats, UnusedIdsOnlyWhenAskedFor) {
   const json used = json_of("formats");
   const json all = json_of("formats --all");
-  EXPECT_EQ(all.size(), 722U);
+  EXPECT_NUMBER(all.size(), 722);
   EXPECT_LT(used.size(), all.size());
   for (const json& format : used) {
     const int id = format.at("id");

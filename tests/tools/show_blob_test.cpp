@@ -6,6 +6,7 @@
 #include <filesystem>
 
 #include <korvel_utils.h>
+#include "tests/harness/off_by.h"
 #include "tests/tools/run_tool.h"
 #include "tests/tools/scratch_folder.h"
 
@@ -23,10 +24,10 @@ TEST(ShowBlob, HoldsTheRecord) {
   ASSERT_EQ(content.size(), std::size_t{KORVEL_BLOB_BYTES});
   LayoutMetadata blob;
   std::memcpy(&blob, content.data(), sizeof blob);
-  EXPECT_EQ(blob.header.magic, KORVEL_HEADER_MAGIC);
-  EXPECT_EQ(blob.layout.format, 28U);
-  EXPECT_EQ(blob.layout.total_size, 64U * 64 * 4 + 5512);
-  EXPECT_EQ(folder.count(), 1U);
+  EXPECT_NUMBER(blob.header.magic, KORVEL_HEADER_MAGIC);
+  EXPECT_NUMBER(blob.layout.format, 28);
+  EXPECT_NUMBER(blob.layout.total_size, 64 * 64 * 4 + 5512);  // texels x bytes, and the record
+  EXPECT_NUMBER(folder.count(), 1);
 }
 
 TEST(ShowBlob, NeverReplacesAFileUnasked) {
@@ -43,8 +44,8 @@ TEST(ShowBlob, ReplacesAFileWhenAsked) {
   std::vector<std::string> arguments = show_into(path);
   arguments.emplace_back("--force");
   EXPECT_EQ(run_tool_with(arguments).exit_code, 0);
-  EXPECT_EQ(file_content(path).size(), std::size_t{KORVEL_BLOB_BYTES});
-  EXPECT_EQ(folder.count(), 1U);
+  EXPECT_NUMBER(file_content(path).size(), KORVEL_BLOB_BYTES);
+  EXPECT_NUMBER(folder.count(), 1);
   EXPECT_EQ(run_tool_with(arguments).exit_code, 0);
 }
 
@@ -57,7 +58,7 @@ TEST(ShowBlob, KeepsALink) {
   arguments.emplace_back("--force");
   EXPECT_EQ(run_tool_with(arguments).exit_code, 0);
   EXPECT_TRUE(std::filesystem::is_symlink(folder.path("link")));
-  EXPECT_EQ(file_content(target).size(), std::size_t{KORVEL_BLOB_BYTES});
+  EXPECT_NUMBER(file_content(target).size(), KORVEL_BLOB_BYTES);
 }
 
 TEST(ShowBlob, ReportsWhatCannotBeWritten) {
@@ -71,7 +72,7 @@ TEST(ShowBlob, ReportsWhatCannotBeWritten) {
   arguments = show_into(folder.path("."));
   arguments.emplace_back("--force");
   reason_of_refusal(run_tool_with(arguments));
-  EXPECT_EQ(folder.count(), 0U);
+  EXPECT_NUMBER(folder.count(), 0);
 }
 
 // Nothing is written for a request that is refused.
@@ -80,7 +81,7 @@ TEST(ShowBlob, NoFileWithoutALayout) {
   std::vector<std::string> arguments = show_into(folder.path("blob"));
   arguments.insert(arguments.end(), {"--samples", "3"});
   reason_of_refusal(run_tool_with(arguments));
-  EXPECT_EQ(folder.count(), 0U);
+  EXPECT_NUMBER(folder.count(), 0);
 }
 
 }  // namespace

@@ -6,6 +6,7 @@
 
 #include <korvel_utils.h>
 #include "tests/harness/chips.h"
+#include "tests/records/valid_record.h"
 #include "tests/tools/run_tool.h"
 #include "tests/tools/scratch_folder.h"
 
@@ -26,33 +27,32 @@ inline LayoutMetadata stored_blob(const ScratchFolder& folder, const std::string
   return blob;
 }
 
-// A valid surface record of one level and one plane of 64 x 64 elements of 4 bytes.
+// A valid surface record of one level and one plane: 64 x 64 elements of 4 bytes.
 inline SurfaceMetadata stored_surface() {
-  SurfaceMetadata record{};
-  record.guid = 0x1122334455667788;
-  record.total_size = 16384 + KORVEL_SURFACE_BYTES;
-  record.alignment = 4096;
-  record.format = 28;
-  record.samples = 1;
-  record.levels = 1;
-  record.level[0].slices = 1;
-  record.level[0].tiled = 1;
-  record.level[0].size = 16384;
-  record.level[0].planes = 1;
-  SurfacePlane& plane = record.level[0].plane[0];
-  plane.image_size = 16384;
-  plane.image_pitch = 256;
-  plane.image_slice_pitch = 16384;
-  plane.image_element_size = 4;
-  plane.image_width = plane.image_height = plane.actual_width = plane.actual_height = 64;
-  const uint32_t device[] = {KORVEL_DEVICE_SIGNATURE, stored_chip().family_id,
-                             stored_chip().model_code, stored_chip().rev_id};
-  const uint32_t driver[] = {4, 1, 3, 0};
-  std::memcpy(record.device_uuid, device, sizeof device);
-  std::memcpy(record.driver_uuid, driver, sizeof driver);
-  record.size = KORVEL_SURFACE_BYTES;
-  record.signature = KORVEL_SURFACE_SIGNATURE;
-  return record;
+  constexpr uint64_t kImageBytes = 16384;  // 64 rows x 256 bytes
+  return records::valid_record<records::SurfaceKind>(
+      {.levels = 1,
+       .slices = 1,
+       .planes = 1,
+       .spare_planes = false,
+       .flags = false,
+       .lrz = false,
+       .surface_bytes = kImageBytes,
+       .level_bytes = kImageBytes,
+       .samples = 1,
+       .guid = 0x1122334455667788,
+       .uuids = records::make_uuids({.family_id = stored_chip().family_id,
+                                     .model_code = stored_chip().model_code,
+                                     .rev_id = stored_chip().rev_id}),
+       .image = {.offset_bytes = 0,
+                 .size_bytes = kImageBytes,
+                 .pitch_bytes = 256,  // 64 elements x 4 bytes
+                 .slice_pitch_bytes = kImageBytes,
+                 .element_bytes = 4,
+                 .width_el = 64,
+                 .height_rows = 64,
+                 .actual_width_el = 64,
+                 .actual_height_rows = 64}});
 }
 
 }  // namespace tool_test
