@@ -6,6 +6,7 @@
 #include <climits>
 #include <cstdint>
 #include <ostream>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -103,11 +104,14 @@ struct Request {
 
 // What is not as usual, as a test would write it.
 inline std::string describe(const Request& r) {
-  std::string text;
-  const auto add = [&text](const char* name, int64_t value, int64_t usual) {
+  std::ostringstream text;
+  const char* separator = "";
+  const auto add = [&](const char* name, int64_t value, int64_t usual) {
     if (value == usual) return;
-    text += (text.empty() ? "{." : ", .") + std::string(name) + " = " + std::to_string(value);
+    text << separator << '.' << name << " = " << value;
+    separator = ", ";
   };
+  text << '{';
   const Request usual;
   add("width_el", r.width_el, usual.width_el);
   add("height_rows", r.height_rows, usual.height_rows);
@@ -120,11 +124,14 @@ inline std::string describe(const Request& r) {
   add("divisor", r.divisor, usual.divisor);
   add("want_extra_padding", r.want_extra_padding, usual.want_extra_padding);
   add("tiling_allowed", r.tiling_allowed, usual.tiling_allowed);
-  return text.empty() ? "{}" : text + "}";
+  text << '}';
+  return text.str();
 }
 
 inline std::string describe(uint32_t family, const Request& r) {
-  return "\nfamily " + std::to_string(family) + ", " + describe(r);
+  std::ostringstream text;
+  text << "family " << family << ", " << describe(r);
+  return text.str();
 }
 
 inline Size full(const harness::Library& library, const Request& r) {

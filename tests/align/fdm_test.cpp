@@ -16,7 +16,7 @@ TEST(Fdm, WithoutDivisorAndPaddingItIsTheFullAlignmentOnEveryChip) {
   for (const uint32_t chip : chips) {
     const harness::Gpu gpu(chip);
     const auto expect_same = [&](const Request& r) {
-      EXPECT_NUMBERS(fdm(gpu, r), full(gpu, r)) << "\nchip " << chip << ", " << describe(r);
+      EXPECT_NUMBERS(fdm(gpu, r), full(gpu, r)) << "chip " << chip << ", " << describe(r);
     };
     for (const uint32_t format : kFormats) {
       for (const uint32_t mode : {kLinear, kTiled}) {
@@ -193,9 +193,8 @@ TEST(Fdm, ExtraPaddingOfEveryChipGoesByItsFamilyAndModel) {
     seen.insert(padding.columns_el == 0 ? 0 : padding.n);
     const auto expect_size = [&](uint32_t want, Size expected) {
       const Request r = unaligned(kBytes4, want);
-      EXPECT_NUMBERS(fdm(gpu, r), expected) << "\nchip " << chip.chip_id << ", n = " << padding.n;
-      EXPECT_NUMBERS(minimal(gpu, r), expected)
-          << "\nchip " << chip.chip_id << ", n = " << padding.n;
+      EXPECT_NUMBERS(fdm(gpu, r), expected) << "chip " << chip.chip_id << ", n = " << padding.n;
+      EXPECT_NUMBERS(minimal(gpu, r), expected) << "chip " << chip.chip_id << ", n = " << padding.n;
     };
     const Size padded{1000 + padding.columns_el, 100 + padding.rows};
     expect_size(1, padded);

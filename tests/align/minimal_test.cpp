@@ -131,8 +131,8 @@ struct LinearRow {
   ByFamily<uint32_t> allowed;      // and when it is
 };
 
-// The alignments in bytes, which a divisor of 1 takes as elements. With k = bytes x samples, and a =
-// 64 / gcd(64, k) or, tiling allowed, the tile's width for k:
+// The alignments in bytes, which a divisor of 1 takes as elements. With k = bytes x samples, and
+// a = 64 / gcd(64, k) or, tiling allowed, the tile's width for k:
 //   any other format             bytes x a x samples, up to a multiple of 64
 //   block-compressed and packed  bytes x a, where a without tiling is 64 / k but at least 1
 // Comments: without tiling; with it.

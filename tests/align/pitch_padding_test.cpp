@@ -1,6 +1,6 @@
 // The pitch padding of linear rows: widths whose rows would repeat in memory with a bad period
 // grow by half a span.
-#include <numeric>
+#include <iterator>
 
 #include "tests/align/align_calls.h"
 
@@ -26,9 +26,10 @@ uint32_t padded_width(const harness::Gpu& gpu, const PaddedRow& row) {
 }
 
 std::string text_of(uint32_t family, const PaddedRow& row) {
-  return "\nfamily " + std::to_string(family) + ", " + std::to_string(row.width_el) +
-         " elements of format " + std::to_string(row.format) + ", selector " +
-         std::to_string(row.selector);
+  std::ostringstream text;
+  text << "family " << family << ", " << row.width_el << " elements of format " << row.format
+       << ", selector " << row.selector;
+  return text.str();
 }
 
 // What widths of 0, 64, 128 and so on up to 2048 elements of 4 bytes become. For these a step is
