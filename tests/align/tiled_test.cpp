@@ -346,7 +346,7 @@ TEST(Tiled, PaddingArgumentsHaveNoEffect) {
   }
 }
 
-TEST(Tiled, NoSamplesCountAsElementsOfNoTable) {
+TEST(Tiled, NoSamplesHaveTheTileOfAnyOtherSize) {
   for (const uint32_t family : kFamilies6And7) {
     const harness::Gpu gpu(harness::full_chip(family).chip_id);
     for (const uint32_t format : {kBytes4, kBc1}) {
@@ -377,7 +377,7 @@ TEST(Tiled, PlanesThatAFormatLacksHaveItsTileOnFamilies6And7) {
   }
 }
 
-TEST(TiledDeathTest, Family5DividesByTheElementSize) {
+TEST(TiledDeathTest, ElementsOf0BytesFaultOnFamily5) {
   const uint32_t chip = harness::full_chip(5).chip_id;
   // Planes that the format lacks have elements of 0 bytes, and so has an element of no samples.
   for (const Request& r :

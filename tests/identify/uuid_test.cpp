@@ -202,7 +202,7 @@ int32_t print_uuid(const harness::Library& library, char* text, const TextReques
 
 constexpr char kDriverText[] = "04000000-0100-0000-0300-000000000000";
 
-TEST(UuidText, OfTheDriver) {
+TEST(UuidText, OfTheDriverIsItsBytesInOrder) {
   Gpu gpu(harness::kUnknownChip);
   Text text;
   EXPECT_EQ(print_uuid(gpu.library(), text.data(), {}), 0);
@@ -218,7 +218,7 @@ TEST(UuidText, IsLowerCaseInStorageOrderInFiveGroups) {
   text.expect_holds("01234567-89ab-cdef-fedc-ba9876543210");
 }
 
-TEST(UuidText, OfTheDeviceAndTheOverride) {
+TEST(UuidText, OfTheDeviceAndTheOverrideIsTheirBytesInOrder) {
   Gpu gpu(harness::kUnknownChip);
   Text text;
   EXPECT_EQ(print_uuid(gpu.library(), text.data(), {.text_size = 64, .uuid = kDeviceUuid.data()}),
