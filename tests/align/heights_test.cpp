@@ -22,7 +22,7 @@ TEST(Heights, TiledHeightsAreWholeTiles) {
     const harness::Gpu gpu(harness::full_chip(family).chip_id);
     for (const HeightRow& row : kTiledHeights) {
       const auto height_of = [&](uint32_t format) {
-        return full(gpu, {.height = row.height, .format = format}).height;
+        return full(gpu, {.height_rows = row.height, .format = format}).height_rows;
       };
       EXPECT_EQ(height_of(kBytes1), row.of32) << family << ": " << row.height;
       EXPECT_EQ(height_of(kBytes2Tall), row.of32) << family << ": " << row.height;
@@ -38,10 +38,10 @@ TEST(Heights, TiledHeightZeroIsNoTileOnFamily5AndOneOnTheOthers) {
   for (const uint32_t family : kFamilies) {
     const harness::Gpu gpu(harness::full_chip(family).chip_id);
     const bool five = family == 5;
-    EXPECT_EQ(full(gpu, {.height = 0, .format = kBytes1}).height, five ? 0u : 32u);
-    EXPECT_EQ(full(gpu, {.height = 0, .format = kBytes4}).height, five ? 0u : 16u);
+    EXPECT_EQ(full(gpu, {.height_rows = 0, .format = kBytes1}).height_rows, five ? 0u : 32u);
+    EXPECT_EQ(full(gpu, {.height_rows = 0, .format = kBytes4}).height_rows, five ? 0u : 16u);
     // 16 rows of 4 x 4 blocks are 64 rows of texels, a tile; counted in blocks again: 16.
-    EXPECT_EQ(full(gpu, {.height = 0, .format = kBc1}).height, five ? 0u : 16u);
+    EXPECT_EQ(full(gpu, {.height_rows = 0, .format = kBc1}).height_rows, five ? 0u : 16u);
   }
 }
 
@@ -52,12 +52,12 @@ TEST(Heights, LinearHeightsStay) {
       for (const uint32_t format :
            {kBytes1, kBytes3, kBytes4, kBc1, 186u, 107u, 654u, 669u, 671u, 722u, kFourCC}) {
         for (const int32_t height : {1, 2, 15, 16, 17, 63, 64, 65, 1080, 16385}) {
-          const Request r{.height = height, .format = format, .mode = mode};
-          EXPECT_EQ(full(gpu, r).height, static_cast<uint32_t>(height))
+          const Request r{.height_rows = height, .format = format, .tiling_mode = mode};
+          EXPECT_EQ(full(gpu, r).height_rows, static_cast<uint32_t>(height))
               << family << ": " << describe(r);
         }
       }
-      EXPECT_EQ(full(gpu, {.height = INT_MAX, .mode = mode}).height, 0x7FFFFFFFu);
+      EXPECT_EQ(full(gpu, {.height_rows = INT_MAX, .tiling_mode = mode}).height_rows, 0x7FFFFFFFu);
     }
   }
 }
@@ -66,8 +66,8 @@ TEST(Heights, LinearHeightZeroIsARowOnFamilies6And7) {
   for (const uint32_t family : kFamilies) {
     const harness::Gpu gpu(harness::full_chip(family).chip_id);
     for (const uint32_t format : {kBytes1, kBytes4, kBc1, 186u, 654u, kFourCC}) {
-      const Request r{.height = 0, .format = format, .mode = kLinear};
-      EXPECT_EQ(full(gpu, r).height, family == 5 ? 0u : 1u) << describe(r);
+      const Request r{.height_rows = 0, .format = format, .tiling_mode = kLinear};
+      EXPECT_EQ(full(gpu, r).height_rows, family == 5 ? 0u : 1u) << describe(r);
     }
   }
 }
@@ -82,14 +82,15 @@ TEST(Heights, Format670IsSixtyFourRowsWhenLinear) {
     const harness::Gpu gpu(harness::full_chip(family).chip_id);
     for (const uint32_t mode : {0u, 2u}) {
       for (const Row& row : kRows) {
-        const Request r{.height = row.height, .format = 670, .mode = mode};
-        EXPECT_EQ(full(gpu, r).height, row.expected) << family << ": " << describe(r);
-        EXPECT_EQ(fdm(gpu, r).height, row.expected) << family << ": " << describe(r);
-        EXPECT_EQ(minimal(gpu, r).height, row.expected) << family << ": " << describe(r);
+        const Request r{.height_rows = row.height, .format = 670, .tiling_mode = mode};
+        EXPECT_EQ(full(gpu, r).height_rows, row.expected) << family << ": " << describe(r);
+        EXPECT_EQ(fdm(gpu, r).height_rows, row.expected) << family << ": " << describe(r);
+        EXPECT_EQ(minimal(gpu, r).height_rows, row.expected) << family << ": " << describe(r);
       }
     }
-    EXPECT_EQ(full(gpu, {.height = 33, .format = 670}).height, 64u);  // tiled, one byte: 32s
-    EXPECT_EQ(full(gpu, {.height = 65, .format = 670}).height, 96u);
+    EXPECT_EQ(full(gpu, {.height_rows = 33, .format = 670}).height_rows,
+              64u);  // tiled, one byte: 32s
+    EXPECT_EQ(full(gpu, {.height_rows = 65, .format = 670}).height_rows, 96u);
   }
 }
 

@@ -3,6 +3,7 @@
 
 #include <gmock/gmock.h>
 
+#include "tests/formats/format_calls.h"
 #include "tests/harness/chips.h"
 #include "tests/harness/gpu.h"
 
@@ -26,7 +27,7 @@ TEST(FirstCall, OfRenderableIdentifiesTheGpu) {
   for (const int32_t format : kFormats) {
     for (const int32_t use : {0, 1}) {
       Gpu gpu(harness::kUnknownChip);
-      EXPECT_EQ(gpu->isFormatRenderableByGpu(format, use), 0U);
+      EXPECT_NUMBER(renderable(gpu, {.format = format, .depth_stencil_use = use}), 0) << format;
       EXPECT_EQ(gpu.take_messages(), unknown_chip_and("isFormatRenderableByGpu")) << format;
     }
   }
@@ -36,7 +37,7 @@ TEST(FirstCall, OfSampleableIdentifiesTheGpu) {
   for (const int32_t format : kFormats) {
     for (const uint32_t samples : {0U, 1U, 4U}) {
       Gpu gpu(harness::kUnknownChip);
-      EXPECT_EQ(gpu->isFormatSampleableByGpu(format, samples, 0), 0U);
+      EXPECT_NUMBER(sampleable(gpu, {.format = format, .sample_count = samples}), 0) << format;
       EXPECT_EQ(gpu.take_messages(), unknown_chip_and("isFormatSampleableByGpu")) << format;
     }
   }
@@ -45,7 +46,7 @@ TEST(FirstCall, OfSampleableIdentifiesTheGpu) {
 TEST(FirstCall, OfCompressionIdentifiesTheGpu) {
   for (const int32_t format : kFormats) {
     Gpu gpu(harness::kUnknownChip);
-    EXPECT_EQ(gpu->isUBWCSupportedByGpu(static_cast<uint32_t>(format)), 0U);
+    EXPECT_NUMBER(gpu->isUBWCSupportedByGpu(static_cast<uint32_t>(format)), 0) << format;
     EXPECT_EQ(gpu.take_messages(), harness::unknown_chip_messages(harness::kUnknownChip)) << format;
   }
 }

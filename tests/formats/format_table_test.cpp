@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/formats/id_list.h"
+#include "tests/harness/off_by.h"
 
 namespace formats_test {
 namespace {
@@ -105,56 +106,76 @@ uint32_t expected_planes(uint32_t id) {
 
 TEST(FormatTable, HoldsTheFlagsOfEveryFormat) {
   for (uint32_t id = 0; id < kTableIds; ++id) {
-    EXPECT_EQ(korvel::format_record(id).flags, expected_flags(id)) << "format " << id;
+    EXPECT_NUMBER(korvel::format_record(id).flags, expected_flags(id)) << "format " << id;
   }
 }
 
 TEST(FormatTable, HoldsTheElementSizeOfEveryFormat) {
   for (uint32_t id = 0; id < kTableIds; ++id) {
-    EXPECT_EQ(korvel::format_record(id).bytes, expected_bytes(id)) << "format " << id;
+    EXPECT_NUMBER(korvel::format_record(id).bytes, expected_bytes(id)) << "format " << id;
   }
 }
 
 TEST(FormatTable, HoldsThePlaneCountOfEveryFormat) {
   for (uint32_t id = 0; id < kTableIds; ++id) {
-    EXPECT_EQ(korvel::format_record(id).planes, expected_planes(id)) << "format " << id;
+    EXPECT_NUMBER(korvel::format_record(id).planes, expected_planes(id)) << "format " << id;
   }
 }
 
 TEST(FormatTable, Holds722RecordsOfThreeWords) {
-  EXPECT_EQ(korvel::kFormatCount, 722U);
-  EXPECT_EQ(sizeof(korvel::FormatRecord), 12U);
+  EXPECT_NUMBER(korvel::kFormatCount, 722);
+  EXPECT_NUMBER(sizeof(korvel::FormatRecord), 12);
+}
+
+void expect_record(uint32_t id, uint32_t flags, uint32_t bytes, uint32_t planes) {
+  const korvel::FormatRecord& record = korvel::format_record(id);
+  EXPECT_NUMBER(record.flags, flags) << "format " << id;
+  EXPECT_NUMBER(record.bytes, bytes) << "format " << id;
+  EXPECT_NUMBER(record.planes, planes) << "format " << id;
 }
 
 TEST(FormatTable, UnusedIdsHoldOneByteAndOnePlane) {
-  EXPECT_EQ(kUsedIds.size(), 358U);
+  constexpr uint32_t kNoFlags = 0;
+  constexpr uint32_t kOneByte = 1;
+  constexpr uint32_t kOnePlane = 1;
+  EXPECT_NUMBER(kUsedIds.size(), 358);
   for (uint32_t id = 0; id < kTableIds; ++id) {
-    if (kUsedIds.has(id)) continue;
-    const korvel::FormatRecord& record = korvel::format_record(id);
-    EXPECT_EQ(record.flags, 0U) << "format " << id;
-    EXPECT_EQ(record.bytes, 1U) << "format " << id;
-    EXPECT_EQ(record.planes, 1U) << "format " << id;
+    if (!kUsedIds.has(id)) expect_record(id, kNoFlags, kOneByte, kOnePlane);
   }
 }
 
 TEST(FormatTable, HoldsWellKnownRecords) {
   struct Row {
-    uint32_t id, flags, bytes, planes;
+    uint32_t id;
+    uint32_t flags;
+    uint32_t bytes;
+    uint32_t planes = 1;
   };
   constexpr Row kRows[] = {
-      {0, 0, 1, 1},        {2, 0xC, 16, 1},     {11, 0x2, 8, 1},       {20, 0x13C00C, 8, 1},
-      {28, 0x2, 4, 1},     {45, 0x3C002, 4, 1}, {103, 0xA02, 1, 2},    {107, 0x1202, 2, 1},
-      {502, 0x12, 1, 1},   {508, 0x2, 3, 1},    {551, 0x13C00C, 8, 1}, {552, 0x980A0, 1, 1},
-      {554, 0, 4, 1},      {567, 0x2, 16, 1},   {615, 0xA02, 1, 3},    {616, 0xA02, 1, 3},
-      {654, 0x1A02, 4, 2}, {670, 0, 1, 1},      {687, 0, 1, 1},        {708, 0, 1, 1},
-      {712, 0xAA0, 2, 2},  {721, 0x2A0, 4, 1},
+      {.id = 0, .flags = 0, .bytes = 1},
+      {.id = 2, .flags = 0xC, .bytes = 16},
+      {.id = 11, .flags = 0x2, .bytes = 8},
+      {.id = 20, .flags = 0x13C00C, .bytes = 8},
+      {.id = 28, .flags = 0x2, .bytes = 4},
+      {.id = 45, .flags = 0x3C002, .bytes = 4},
+      {.id = 103, .flags = 0xA02, .bytes = 1, .planes = 2},
+      {.id = 107, .flags = 0x1202, .bytes = 2},
+      {.id = 502, .flags = 0x12, .bytes = 1},
+      {.id = 508, .flags = 0x2, .bytes = 3},
+      {.id = 551, .flags = 0x13C00C, .bytes = 8},
+      {.id = 552, .flags = 0x980A0, .bytes = 1},
+      {.id = 554, .flags = 0, .bytes = 4},
+      {.id = 567, .flags = 0x2, .bytes = 16},
+      {.id = 615, .flags = 0xA02, .bytes = 1, .planes = 3},
+      {.id = 616, .flags = 0xA02, .bytes = 1, .planes = 3},
+      {.id = 654, .flags = 0x1A02, .bytes = 4, .planes = 2},
+      {.id = 670, .flags = 0, .bytes = 1},
+      {.id = 687, .flags = 0, .bytes = 1},
+      {.id = 708, .flags = 0, .bytes = 1},
+      {.id = 712, .flags = 0xAA0, .bytes = 2, .planes = 2},
+      {.id = 721, .flags = 0x2A0, .bytes = 4},
   };
-  for (const Row& row : kRows) {
-    const korvel::FormatRecord& record = korvel::format_record(row.id);
-    EXPECT_EQ(record.flags, row.flags) << "format " << row.id;
-    EXPECT_EQ(record.bytes, row.bytes) << "format " << row.id;
-    EXPECT_EQ(record.planes, row.planes) << "format " << row.id;
-  }
+  for (const Row& row : kRows) expect_record(row.id, row.flags, row.bytes, row.planes);
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 
+#include "tests/formats/format_calls.h"
 #include "tests/formats/id_list.h"
 #include "tests/formats/predicate_cases.h"
 #include "tests/harness/chips.h"
@@ -48,10 +49,11 @@ TEST(Renderable, IsExactlyTheListedFormatsOnEveryChip) {
     Gpu gpu(row.chip_id);
     for (const int32_t format : formats) {
       for (const int32_t use : kUsages) {
-        const uint32_t answer = gpu->isFormatRenderableByGpu(format, use);
+        const uint32_t answer = renderable(gpu, {.format = format, .depth_stencil_use = use});
         if (answer == expected(chip, format, use)) continue;
         ADD_FAILURE() << "chip " << std::hex << row.chip_id << std::dec << " format " << format
-                      << " use " << use << ": " << answer;
+                      << " depth_stencil_use " << use << ": expected "
+                      << expected(chip, format, use) << ", got " << answer;
       }
     }
     EXPECT_THAT(gpu.take_messages(), IsEmpty());
@@ -61,23 +63,24 @@ TEST(Renderable, IsExactlyTheListedFormatsOnEveryChip) {
 TEST(Renderable, DepthFormatOnlyAsADepthTarget) {
   for (const uint32_t family : {5U, 6U, 7U}) {
     Gpu gpu(harness::full_chip(family).chip_id);
-    EXPECT_EQ(gpu->isFormatRenderableByGpu(40, 1), 1U);
-    EXPECT_EQ(gpu->isFormatRenderableByGpu(40, 0), 0U);
+    EXPECT_NUMBER(renderable(gpu, {.format = kDepth32, .depth_stencil_use = 1}), 1) << family;
+    EXPECT_NUMBER(renderable(gpu, {.format = kDepth32, .depth_stencil_use = 0}), 0) << family;
   }
 }
 
 TEST(Renderable, ThreeByteColourOnlyAsAColourTarget) {
   for (const uint32_t family : {5U, 6U, 7U}) {
     Gpu gpu(harness::full_chip(family).chip_id);
-    EXPECT_EQ(gpu->isFormatRenderableByGpu(508, 0), 1U);
-    EXPECT_EQ(gpu->isFormatRenderableByGpu(508, 1), 0U);
+    EXPECT_NUMBER(renderable(gpu, {.format = kRgb8, .depth_stencil_use = 0}), 1) << family;
+    EXPECT_NUMBER(renderable(gpu, {.format = kRgb8, .depth_stencil_use = 1}), 0) << family;
   }
 }
 
-TEST(Renderable, SharedExponentIsNotOnFamily5) {
-  EXPECT_EQ(Gpu(harness::full_chip(5).chip_id)->isFormatRenderableByGpu(67, 0), 0U);
-  EXPECT_EQ(Gpu(harness::full_chip(6).chip_id)->isFormatRenderableByGpu(67, 0), 1U);
-  EXPECT_EQ(Gpu(harness::full_chip(7).chip_id)->isFormatRenderableByGpu(67, 0), 1U);
+TEST(Renderable, SharedExponentIsOnFamilies6And7Only) {
+  for (const uint32_t family : {5U, 6U, 7U}) {
+    const Gpu gpu(harness::full_chip(family).chip_id);
+    EXPECT_NUMBER(renderable(gpu, {.format = kSharedExponent}), family == 5 ? 0 : 1) << family;
+  }
 }
 
 TEST(Renderable, SixteenBitYuvFollowsTheModelOnFamily7) {
@@ -90,13 +93,22 @@ TEST(Renderable, SixteenBitYuvFollowsTheModelOnFamily7) {
   struct Case {
     bool yuv16_ext, p016;
   };
-  for (const Case c : {Case{false, false}, Case{true, false}, Case{true, true}}) {
+  for (const Case c :
+       {Case{.yuv16_ext = false, .p016 = false}, Case{.yuv16_ext = true, .p016 = false},
+        Case{.yuv16_ext = true, .p016 = true}}) {
     Gpu gpu(family7_chip(c.yuv16_ext, c.p016).chip_id);
-    EXPECT_EQ(gpu->isFormatRenderableByGpu(709, 0), c.yuv16_ext ? 1U : 0U);
-    EXPECT_EQ(gpu->isFormatRenderableByGpu(712, 1), c.yuv16_ext ? 1U : 0U);
-    EXPECT_EQ(gpu->isFormatRenderableByGpu(105, 0), c.p016 ? 1U : 0U);
-    EXPECT_EQ(gpu->isFormatRenderableByGpu(717, 1), c.p016 ? 1U : 0U);
-    EXPECT_EQ(gpu->isFormatRenderableByGpu(710, 0), 0U);
+    const auto expect_renderable = [&](int32_t format, bool expected_answer) {
+      for (const int32_t use : {0, 1}) {
+        EXPECT_NUMBER(renderable(gpu, {.format = format, .depth_stencil_use = use}),
+                      expected_answer ? 1 : 0)
+            << "format " << format << ", depth_stencil_use " << use;
+      }
+    };
+    expect_renderable(709, c.yuv16_ext);
+    expect_renderable(712, c.yuv16_ext);
+    expect_renderable(105, c.p016);
+    expect_renderable(717, c.p016);
+    expect_renderable(710, false);  // a view of one plane
   }
 }
 
@@ -106,7 +118,7 @@ TEST(Renderable, IsNothingOnAnUnknownFamilyAndReportsEveryCall) {
   gpu.take_messages();
   for (const int32_t format : {28, 0, -1, 800, INT_MIN, INT_MAX}) {
     for (const int32_t use : kUsages) {
-      EXPECT_EQ(gpu->isFormatRenderableByGpu(format, use), 0U);
+      EXPECT_NUMBER(renderable(gpu, {.format = format, .depth_stencil_use = use}), 0) << format;
       EXPECT_THAT(gpu.take_messages(),
                   ElementsAre(message("isFormatRenderableByGpu", "Unknown Family ID 0")));
     }
@@ -115,7 +127,7 @@ TEST(Renderable, IsNothingOnAnUnknownFamilyAndReportsEveryCall) {
 
 TEST(Renderable, ReportsTheFamilyAfterTheIdentification) {
   Gpu gpu(harness::full_chip(7).chip_id, HXL_SIM_FAIL_GETINFO);
-  EXPECT_EQ(gpu->isFormatRenderableByGpu(28, 0), 0U);
+  EXPECT_NUMBER(renderable(gpu, {.format = kRgba8}), 0);
   EXPECT_THAT(gpu.take_messages(),
               ElementsAre(message("korvel_get_family_id", "Unknown HXL chip ID 0"),
                           message("korvel_get_chip_id", "Unknown HXL chip ID 0"),

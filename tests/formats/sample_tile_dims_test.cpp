@@ -5,19 +5,48 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <sstream>
+#include <string>
+#include <vector>
 
 #include "tests/formats/id_list.h"
+#include "tests/harness/numbers.h"
 
 namespace formats_test {
 namespace {
 
 struct Tile {
-  uint32_t width;
-  uint32_t height;
+  uint32_t width_px;
+  uint32_t height_px;
+
   friend bool operator==(const Tile&, const Tile&) = default;
+  friend std::vector<harness::NamedNumber> numbers_of(const Tile& tile) {
+    return {{"width_px", tile.width_px}, {"height_px", tile.height_px}};
+  }
 };
 
 constexpr Tile kNone = {0, 0};
+constexpr Tile kOnePixel = {1, 1};
+
+struct Request {
+  uint32_t family;
+  uint32_t format;
+  bool half_width = false;
+  uint32_t samples = 1;
+};
+
+std::string describe(const Request& r) {
+  std::ostringstream text;
+  text << "family " << r.family << ", format " << r.format
+       << (r.half_width ? ", half width, " : ", ") << r.samples << " samples";
+  return text.str();
+}
+
+Tile tile_of(const Request& r) {
+  const korvel::SampleTile tile =
+      korvel::sample_tile_dims(r.family, korvel::format_traits(r.format), r.half_width, r.samples);
+  return {tile.width, tile.height};
+}
 
 const IdList kEightBytes =
     "9-22 70-72 79-81 102 108 109 522 525 528 543 551 555 560 565 596 599 600 603-605 607 608 656 "
@@ -51,62 +80,63 @@ Tile family5_tile(uint32_t id, uint32_t samples) {
   static const IdList tall = "48-52 511 514 517";
   if (samples == 1 && tall.has(id)) return {16, 8};
   const Tile tile = ordinary_tile(id, samples);
-  return tile == kNone ? Tile{1, 1} : tile;
+  return tile == kNone ? kOnePixel : tile;
 }
 
 struct VideoTile {
   IdList ids;
-  uint32_t width;
-  uint32_t half_width;
-  uint32_t height;
+  Tile whole;
+  Tile half;  // where the half-width flag is set
 };
 
 const VideoTile kVideoTiles67[] = {
-    {"107 614 617 618 662 663 668 680", 32, 32, 4},
-    {"620 664 669", 16, 16, 4},
-    {"625 657 665 679", 32, 32, 8},
-    {"666", 16, 16, 8},
-    {"654", 48, 24, 4},
-    {"655", 48, 48, 4},
-    {"656", 24, 24, 4},
-    {"660", 64, 32, 4},
-    {"661", 64, 64, 4},
-    {"104", 32, 16, 4},
-    {"103 106 506", 32, 16, 8},
+    {.ids = "107 614 617 618 662 663 668 680", .whole = {32, 4}, .half = {32, 4}},
+    {.ids = "620 664 669", .whole = {16, 4}, .half = {16, 4}},
+    {.ids = "625 657 665 679", .whole = {32, 8}, .half = {32, 8}},
+    {.ids = "666", .whole = {16, 8}, .half = {16, 8}},
+    {.ids = "654", .whole = {48, 4}, .half = {24, 4}},
+    {.ids = "655", .whole = {48, 4}, .half = {48, 4}},
+    {.ids = "656", .whole = {24, 4}, .half = {24, 4}},
+    {.ids = "660", .whole = {64, 4}, .half = {32, 4}},
+    {.ids = "661", .whole = {64, 4}, .half = {64, 4}},
+    {.ids = "104", .whole = {32, 4}, .half = {16, 4}},
+    {.ids = "103 106 506", .whole = {32, 8}, .half = {16, 8}},
 };
 
+// What family 7 has beyond those.
 const VideoTile kVideoTiles7[] = {
-    {"710 713 715 718 720", 32, 32, 4},
-    {"711 714 716 719 721", 16, 16, 4},
-    {"658", 16, 16, 8},
-    {"105 709 712 717", 32, 16, 4},
+    {.ids = "710 713 715 718 720", .whole = {32, 4}, .half = {32, 4}},
+    {.ids = "711 714 716 719 721", .whole = {16, 4}, .half = {16, 4}},
+    {.ids = "658", .whole = {16, 8}, .half = {16, 8}},
+    {.ids = "105 709 712 717", .whole = {32, 4}, .half = {16, 4}},
 };
 
 template <std::size_t N>
 Tile listed_tile(const VideoTile (&tiles)[N], uint32_t id, bool half_width) {
   for (const VideoTile& tile : tiles) {
-    if (tile.ids.has(id)) return {half_width ? tile.half_width : tile.width, tile.height};
+    if (tile.ids.has(id)) return half_width ? tile.half : tile.whole;
   }
   return kNone;
 }
 
-Tile families67_tile(uint32_t family, uint32_t id, bool half_width, uint32_t samples) {
+Tile families67_tile(const Request& r) {
   static const IdList tall = "48-52 511 514 517 678";
-  if (id == kFourCharacterCode) return kNone;
-  if (kVideo.has(id)) {
-    const Tile tile = listed_tile(kVideoTiles67, id, half_width);
-    return tile == kNone && family == 7 ? listed_tile(kVideoTiles7, id, half_width) : tile;
+  if (r.format == kFourCharacterCode) return kNone;
+  if (kVideo.has(r.format)) {
+    const Tile tile = listed_tile(kVideoTiles67, r.format, r.half_width);
+    return tile == kNone && r.family == 7 ? listed_tile(kVideoTiles7, r.format, r.half_width)
+                                          : tile;
   }
-  if (samples == 1 && tall.has(id)) return {16, 8};
-  return ordinary_tile(id, samples);
+  if (r.samples == 1 && tall.has(r.format)) return {16, 8};
+  return ordinary_tile(r.format, r.samples);
 }
 
-Tile expected_tile(uint32_t family, uint32_t id, bool half_width, uint32_t samples) {
-  switch (family) {
-    case 5: return family5_tile(id, samples);
+Tile expected_tile(const Request& r) {
+  switch (r.family) {
+    case 5: return family5_tile(r.format, r.samples);
     case 6:
-    case 7: return families67_tile(family, id, half_width, samples);
-    default: return {1, 1};
+    case 7: return families67_tile(r);
+    default: return kOnePixel;
   }
 }
 
@@ -117,13 +147,8 @@ constexpr uint32_t kSampleCounts[] = {0, 1, 2,  3,          4,          5,      
 void expect_tiles_of(uint32_t family, uint32_t id) {
   for (const bool half_width : {false, true}) {
     for (const uint32_t samples : kSampleCounts) {
-      const korvel::SampleTile tile =
-          korvel::sample_tile_dims(family, korvel::format_traits(id), half_width, samples);
-      const Tile expected = expected_tile(family, id, half_width, samples);
-      if (Tile{tile.width, tile.height} == expected) continue;
-      ADD_FAILURE() << "family " << family << " format " << id << " half " << half_width
-                    << " samples " << samples << ": " << tile.width << " x " << tile.height
-                    << ", must be " << expected.width << " x " << expected.height;
+      const Request r{.family = family, .format = id, .half_width = half_width, .samples = samples};
+      EXPECT_NUMBERS(tile_of(r), expected_tile(r)) << describe(r);
     }
   }
 }
@@ -137,13 +162,13 @@ void expect_tiles_of_all_formats(uint32_t family) {
   expect_tiles_of(family, kFourCharacterCode);
 }
 
-TEST(SampleTile, OfEveryFormatOnFamily5) {
+TEST(SampleTile, OfEveryFormatIsTheListedOneOnFamily5) {
   expect_tiles_of_all_formats(5);
 }
-TEST(SampleTile, OfEveryFormatOnFamily6) {
+TEST(SampleTile, OfEveryFormatIsTheListedOneOnFamily6) {
   expect_tiles_of_all_formats(6);
 }
-TEST(SampleTile, OfEveryFormatOnFamily7) {
+TEST(SampleTile, OfEveryFormatIsTheListedOneOnFamily7) {
   expect_tiles_of_all_formats(7);
 }
 
@@ -151,43 +176,56 @@ TEST(SampleTile, IsOnePixelOnAnyOtherFamily) {
   for (const uint32_t family : {0U, 1U, 4U, 8U, 0xFFFFFFFFU}) expect_tiles_of_all_formats(family);
 }
 
-Tile tile(uint32_t family, uint32_t id, bool half_width, uint32_t samples) {
-  const korvel::SampleTile t =
-      korvel::sample_tile_dims(family, korvel::format_traits(id), half_width, samples);
-  return {t.width, t.height};
-}
+constexpr uint32_t kBytes16 = 2;  // a format of 16 bytes a pixel
 
 TEST(SampleTile, Of16BytesAnd8SamplesExistsOnNoFamily) {
-  EXPECT_EQ(tile(6, 2, false, 8), kNone);
-  EXPECT_EQ(tile(7, 2, false, 8), kNone);
-  EXPECT_EQ(tile(5, 2, false, 8), (Tile{1, 1}));
-}
-
-TEST(SampleTile, OfTheFourCharacterCodeIsUnknownWhateverTheSamples) {
-  for (const uint32_t samples : kSampleCounts) {
-    EXPECT_EQ(tile(6, kFourCharacterCode, false, samples), kNone);
-    EXPECT_EQ(tile(7, kFourCharacterCode, true, samples), kNone);
+  EXPECT_NUMBERS(tile_of({.family = 5, .format = kBytes16, .samples = 8}), kOnePixel);
+  for (const uint32_t family : {6U, 7U}) {
+    EXPECT_NUMBERS(tile_of({.family = family, .format = kBytes16, .samples = 8}), kNone);
   }
 }
 
-// Two bytes of sRGB are tall on the later families only.
-TEST(SampleTile, OfFormat678DiffersBetweenTheFamilies) {
-  EXPECT_EQ(tile(5, 678, false, 1), (Tile{16, 4}));
-  EXPECT_EQ(tile(6, 678, false, 1), (Tile{16, 8}));
-  EXPECT_EQ(tile(7, 678, false, 1), (Tile{16, 8}));
+TEST(SampleTile, OfTheFourCharacterCodeIsUnknownWhateverTheSamples) {
+  for (const uint32_t family : {6U, 7U}) {
+    for (const uint32_t samples : kSampleCounts) {
+      const Request r{.family = family, .format = kFourCharacterCode, .samples = samples};
+      EXPECT_NUMBERS(tile_of(r), kNone) << describe(r);
+    }
+  }
+}
+
+// Two bytes of sRGB.
+TEST(SampleTile, OfFormat678IsTallOnTheLaterFamiliesOnly) {
+  EXPECT_NUMBERS(tile_of({.family = 5, .format = 678}), (Tile{16, 4}));
+  for (const uint32_t family : {6U, 7U}) {
+    EXPECT_NUMBERS(tile_of({.family = family, .format = 678}), (Tile{16, 8})) << family;
+  }
 }
 
 TEST(SampleTile, OfVideoFormatsDoesNotFollowTheSamplesOnTheLaterFamilies) {
-  for (const uint32_t samples : kSampleCounts) {
-    EXPECT_EQ(tile(6, 103, false, samples), (Tile{32, 8}));
-    EXPECT_EQ(tile(6, 103, true, samples), (Tile{16, 8}));
-    EXPECT_EQ(tile(6, 654, true, samples), (Tile{24, 4}));
-    EXPECT_EQ(tile(6, 658, false, samples), kNone);
-    EXPECT_EQ(tile(7, 658, false, samples), (Tile{16, 8}));
-    EXPECT_EQ(tile(6, 105, false, samples), kNone);
-    EXPECT_EQ(tile(7, 105, true, samples), (Tile{16, 4}));
-    EXPECT_EQ(tile(7, 619, false, samples), kNone);
-    EXPECT_EQ(tile(7, 659, false, samples), kNone);
+  struct Row {
+    Request request;
+    Tile tile;
+  };
+  constexpr Row kRows[] = {
+      {.request = {.family = 6, .format = 103}, .tile = {32, 8}},
+      {.request = {.family = 6, .format = 103, .half_width = true}, .tile = {16, 8}},
+      {.request = {.family = 6, .format = 654, .half_width = true}, .tile = {24, 4}},
+      // Known to family 7 only.
+      {.request = {.family = 6, .format = 658}, .tile = kNone},
+      {.request = {.family = 7, .format = 658}, .tile = {16, 8}},
+      {.request = {.family = 6, .format = 105}, .tile = kNone},
+      {.request = {.family = 7, .format = 105, .half_width = true}, .tile = {16, 4}},
+      // And to neither.
+      {.request = {.family = 7, .format = 619}, .tile = kNone},
+      {.request = {.family = 7, .format = 659}, .tile = kNone},
+  };
+  for (const Row& row : kRows) {
+    for (const uint32_t samples : kSampleCounts) {
+      Request r = row.request;
+      r.samples = samples;
+      EXPECT_NUMBERS(tile_of(r), row.tile) << describe(r);
+    }
   }
 }
 

@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 
+#include "tests/formats/format_calls.h"
 #include "tests/formats/id_list.h"
 #include "tests/formats/predicate_cases.h"
 #include "tests/harness/chips.h"
@@ -65,10 +66,13 @@ TEST(Sampleable, IsExactlyTheListedFormatsOnEveryChip) {
     for (const int32_t format : formats) {
       for (const uint32_t samples : kSampleCounts) {
         for (const int32_t view : kUsages) {
-          const uint32_t answer = gpu->isFormatSampleableByGpu(format, samples, view);
+          const uint32_t answer = sampleable(
+              gpu, {.format = format, .sample_count = samples, .depth_stencil_view = view});
           if (answer == expected(chip, format, samples, view)) continue;
           ADD_FAILURE() << "chip " << std::hex << row.chip_id << std::dec << " format " << format
-                        << " samples " << samples << " view " << view << ": " << answer;
+                        << " sample_count " << samples << " depth_stencil_view " << view
+                        << ": expected " << expected(chip, format, samples, view) << ", got "
+                        << answer;
         }
       }
     }
@@ -78,50 +82,58 @@ TEST(Sampleable, IsExactlyTheListedFormatsOnEveryChip) {
 
 TEST(Sampleable, DepthFormatOnlyAsADepthView) {
   for (const uint32_t family : {5U, 6U, 7U}) {
-    Gpu gpu(harness::full_chip(family).chip_id);
-    EXPECT_EQ(gpu->isFormatSampleableByGpu(40, 1, 1), 1U);
-    EXPECT_EQ(gpu->isFormatSampleableByGpu(40, 1, 0), 0U);
+    const Gpu gpu(harness::full_chip(family).chip_id);
+    EXPECT_NUMBER(sampleable(gpu, {.format = kDepth32, .depth_stencil_view = 1}), 1) << family;
+    EXPECT_NUMBER(sampleable(gpu, {.format = kDepth32, .depth_stencil_view = 0}), 0) << family;
   }
 }
 
-TEST(Sampleable, ThreeByteColourOnlyWithOneSample) {
+TEST(Sampleable, ThreeByteColourOnlyWithOneSampleAndNotAsADepthView) {
   for (const uint32_t family : {5U, 6U, 7U}) {
-    Gpu gpu(harness::full_chip(family).chip_id);
-    EXPECT_EQ(gpu->isFormatSampleableByGpu(508, 0, 0), 1U);
-    EXPECT_EQ(gpu->isFormatSampleableByGpu(508, 1, 0), 1U);
-    EXPECT_EQ(gpu->isFormatSampleableByGpu(508, 2, 0), 0U);
-    EXPECT_EQ(gpu->isFormatSampleableByGpu(508, 0x80000000, 0), 0U);
-    EXPECT_EQ(gpu->isFormatSampleableByGpu(508, 1, 1), 0U);
+    const Gpu gpu(harness::full_chip(family).chip_id);
+    EXPECT_NUMBER(sampleable(gpu, {.format = kRgb8, .sample_count = 0}), 1) << family;
+    EXPECT_NUMBER(sampleable(gpu, {.format = kRgb8, .sample_count = 1}), 1) << family;
+    EXPECT_NUMBER(sampleable(gpu, {.format = kRgb8, .sample_count = 2}), 0) << family;
+    EXPECT_NUMBER(sampleable(gpu, {.format = kRgb8, .sample_count = 0x80000000}), 0) << family;
+    EXPECT_NUMBER(sampleable(gpu, {.format = kRgb8, .depth_stencil_view = 1}), 0) << family;
   }
 }
 
 TEST(Sampleable, FamiliesDifferInFourVideoFormats) {
-  Gpu gpu(harness::full_chip(5).chip_id);
-  for (const int32_t format : {668, 669}) {
-    EXPECT_EQ(gpu->isFormatSampleableByGpu(format, 1, 0), 0U);
-    EXPECT_EQ(gpu->isFormatSampleableByGpu(format, 1, 1), 1U);
+  struct Row {
+    int32_t format;
+    bool on_5;
+    bool on_5_as_depth_stencil;
+    bool on_6_and_7;  // whatever the view
+  };
+  constexpr Row kRows[] = {
+      {.format = 668, .on_5 = false, .on_5_as_depth_stencil = true, .on_6_and_7 = true},
+      {.format = 669, .on_5 = false, .on_5_as_depth_stencil = true, .on_6_and_7 = true},
+      {.format = 676, .on_5 = true, .on_5_as_depth_stencil = true, .on_6_and_7 = false},
+      {.format = 677, .on_5 = true, .on_5_as_depth_stencil = true, .on_6_and_7 = false},
+  };
+  for (const uint32_t family : {5U, 6U, 7U}) {
+    const Gpu gpu(harness::full_chip(family).chip_id);
+    for (const Row& row : kRows) {
+      const bool five = family == 5;
+      EXPECT_NUMBER(sampleable(gpu, {.format = row.format, .depth_stencil_view = 0}),
+                    (five ? row.on_5 : row.on_6_and_7) ? 1 : 0)
+          << "family " << family << ", format " << row.format;
+      EXPECT_NUMBER(sampleable(gpu, {.format = row.format, .depth_stencil_view = 1}),
+                    (five ? row.on_5_as_depth_stencil : row.on_6_and_7) ? 1 : 0)
+          << "family " << family << ", format " << row.format;
+    }
   }
-  for (const int32_t format : {676, 677}) EXPECT_EQ(gpu->isFormatSampleableByGpu(format, 1, 0), 1U);
 }
 
-TEST(Sampleable, LaterFamiliesDifferFromFamily5InFourVideoFormats) {
-  for (const uint32_t family : {6U, 7U}) {
-    Gpu gpu(harness::full_chip(family).chip_id);
-    for (const int32_t format : {668, 669}) {
-      EXPECT_EQ(gpu->isFormatSampleableByGpu(format, 1, 0), 1U);
-    }
-    for (const int32_t format : {676, 677}) {
-      EXPECT_EQ(gpu->isFormatSampleableByGpu(format, 1, 1), 0U);
-    }
-  }
-}
-
+// 4 x 4 texels: 133 is the typeless form, 134 and 135 the others, and 136 is no format.
 TEST(Sampleable, AstcOnlyInItsTypelessForm) {
   for (const uint32_t family : {5U, 6U, 7U}) {
-    Gpu gpu(harness::full_chip(family).chip_id);
-    EXPECT_EQ(gpu->isFormatSampleableByGpu(133, 1, 0), 1U);
-    EXPECT_EQ(gpu->isFormatSampleableByGpu(134, 1, 0), 0U);
-    EXPECT_EQ(gpu->isFormatSampleableByGpu(136, 1, 0), 0U);
+    const Gpu gpu(harness::full_chip(family).chip_id);
+    EXPECT_NUMBER(sampleable(gpu, {.format = 133}), 1) << family;
+    for (const int32_t format : {134, 135, 136}) {
+      EXPECT_NUMBER(sampleable(gpu, {.format = format}), 0) << family << ": " << format;
+    }
   }
 }
 
@@ -130,12 +142,12 @@ TEST(Sampleable, TwoModelsOfFamily5LackSomeBlockFormats) {
       harness::chip_where("of a model without some block formats", [](const auto& c) {
         return c.family_id == 5 && harness::model_of(c).family5_sample_excluded;
       });
-  Gpu gpu(chip.chip_id);
+  const Gpu gpu(chip.chip_id);
   for (const int32_t format : {80, 81, 83, 84, 95, 96, 626, 630, 635}) {
-    EXPECT_EQ(gpu->isFormatSampleableByGpu(format, 1, 0), 0U) << format;
+    EXPECT_NUMBER(sampleable(gpu, {.format = format}), 0) << "format " << format;
   }
   for (const int32_t format : {79, 82, 85, 94, 97, 625, 636}) {
-    EXPECT_EQ(gpu->isFormatSampleableByGpu(format, 1, 0), 1U) << format;
+    EXPECT_NUMBER(sampleable(gpu, {.format = format}), 1) << "format " << format;
   }
 }
 
@@ -145,7 +157,7 @@ TEST(Sampleable, IsNothingOnAnUnknownFamilyAndReportsEveryCall) {
   gpu.take_messages();
   for (const int32_t format : {28, 0, -1, 800, INT_MIN, INT_MAX}) {
     for (const uint32_t samples : kSampleCounts) {
-      EXPECT_EQ(gpu->isFormatSampleableByGpu(format, samples, 0), 0U);
+      EXPECT_NUMBER(sampleable(gpu, {.format = format, .sample_count = samples}), 0) << format;
       EXPECT_THAT(gpu.take_messages(),
                   ElementsAre(message("isFormatSampleableByGpu", "Unknown Family ID 0")));
     }
@@ -154,7 +166,7 @@ TEST(Sampleable, IsNothingOnAnUnknownFamilyAndReportsEveryCall) {
 
 TEST(Sampleable, ReportsTheFamilyAfterTheIdentification) {
   Gpu gpu(harness::full_chip(7).chip_id, HXL_SIM_FAIL_DEVICE_OPEN);
-  EXPECT_EQ(gpu->isFormatSampleableByGpu(28, 1, 0), 0U);
+  EXPECT_NUMBER(sampleable(gpu, {.format = kRgba8}), 0);
   EXPECT_THAT(gpu.take_messages(),
               ElementsAre(message("korvel_get_family_id", "Unknown HXL chip ID 0"),
                           message("korvel_get_chip_id", "Unknown HXL chip ID 0"),

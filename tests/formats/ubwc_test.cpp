@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 
+#include "tests/formats/format_calls.h"
 #include "tests/formats/id_list.h"
 #include "tests/formats/predicate_cases.h"
 #include "tests/harness/chips.h"
@@ -40,7 +41,7 @@ TEST(Compression, IsExactlyOfTheListedFormatsOnEveryChip) {
       const uint32_t answer = gpu->isUBWCSupportedByGpu(format);
       if (answer == (expected(chip, format) ? 1U : 0U)) continue;
       ADD_FAILURE() << "chip " << std::hex << chip.chip_id << std::dec << " format " << format
-                    << ": " << answer;
+                    << ": expected " << expected(chip, format) << ", got " << answer;
     }
     EXPECT_THAT(gpu.take_messages(), IsEmpty());
   }
@@ -53,46 +54,50 @@ TEST(Compression, IsOfNothingOnTheTwoExcludedChips) {
     ++chips;
     Gpu gpu(chip.chip_id);
     for (uint32_t format = 0; format <= 800; ++format) {
-      EXPECT_EQ(gpu->isUBWCSupportedByGpu(format), 0U) << format;
+      EXPECT_NUMBER(gpu->isUBWCSupportedByGpu(format), 0) << format;
     }
   }
   EXPECT_EQ(chips, 2);
 }
 
 TEST(Compression, OfDepthFormatsIsMissingOnSomeChips) {
-  const auto answers = [](bool excluded) {
+  for (const bool excluded : {false, true}) {
     const ChipData& chip = chip_where("in or out of the depth exclusion", [=](const ChipData& c) {
       return !c.ubwc.never && c.ubwc.depth_excluded == excluded;
     });
-    Gpu gpu(chip.chip_id);
-    return std::vector<uint32_t>{gpu->isUBWCSupportedByGpu(40), gpu->isUBWCSupportedByGpu(548),
-                                 gpu->isUBWCSupportedByGpu(610), gpu->isUBWCSupportedByGpu(28)};
-  };
-  EXPECT_THAT(answers(true), testing::ElementsAre(0, 0, 0, 1));
-  EXPECT_THAT(answers(false), testing::ElementsAre(1, 1, 1, 1));
+    const Gpu gpu(chip.chip_id);
+    for (const uint32_t depth : {kDepth32, 548U, 610U}) {
+      EXPECT_NUMBER(gpu->isUBWCSupportedByGpu(depth), excluded ? 0 : 1) << "format " << depth;
+    }
+    EXPECT_NUMBER(gpu->isUBWCSupportedByGpu(kRgba8), 1) << "excluded " << excluded;
+  }
 }
 
 TEST(Compression, OfYuvFormatsFollowsTheThreeSets) {
   struct Case {
-    bool yuv_a, yuv_b, yuv16;
-    std::vector<uint32_t> answers;  // for 104, 683, 709
+    bool yuv_a;
+    bool yuv_b;
+    bool yuv16;
+    uint32_t of_104;  // in sets a and b
+    uint32_t of_683;  // in set b
+    uint32_t of_709;  // in the 16-bit set
   };
-  const Case cases[] = {
-      {false, false, false, {0, 0, 0}},
-      {true, false, false, {1, 0, 0}},
-      {false, true, false, {1, 1, 0}},
-      {false, true, true, {1, 1, 1}},
+  constexpr Case kCases[] = {
+      {.yuv_a = false, .yuv_b = false, .yuv16 = false, .of_104 = 0, .of_683 = 0, .of_709 = 0},
+      {.yuv_a = true, .yuv_b = false, .yuv16 = false, .of_104 = 1, .of_683 = 0, .of_709 = 0},
+      {.yuv_a = false, .yuv_b = true, .yuv16 = false, .of_104 = 1, .of_683 = 1, .of_709 = 0},
+      {.yuv_a = false, .yuv_b = true, .yuv16 = true, .of_104 = 1, .of_683 = 1, .of_709 = 1},
   };
-  for (const Case& c : cases) {
+  for (const Case& c : kCases) {
+    SCOPED_TRACE(testing::Message() << "case " << &c - kCases);
     const ChipData& chip = chip_where("in these YUV sets", [&c](const ChipData& row) {
       return !row.ubwc.never && row.ubwc.yuv_a == c.yuv_a && row.ubwc.yuv_b == c.yuv_b &&
              row.ubwc.yuv16 == c.yuv16;
     });
-    Gpu gpu(chip.chip_id);
-    const std::vector<uint32_t> answers = {gpu->isUBWCSupportedByGpu(104),
-                                           gpu->isUBWCSupportedByGpu(683),
-                                           gpu->isUBWCSupportedByGpu(709)};
-    EXPECT_EQ(answers, c.answers);
+    const Gpu gpu(chip.chip_id);
+    EXPECT_NUMBER(gpu->isUBWCSupportedByGpu(104), c.of_104);
+    EXPECT_NUMBER(gpu->isUBWCSupportedByGpu(683), c.of_683);
+    EXPECT_NUMBER(gpu->isUBWCSupportedByGpu(709), c.of_709);
   }
 }
 
@@ -100,7 +105,7 @@ TEST(Compression, IsNeverOfWideDepthStencilOrOfBlocks) {
   for (const uint32_t family : {5U, 6U, 7U}) {
     Gpu gpu(harness::full_chip(family).chip_id);
     for (const uint32_t format : {20U, 551U, 71U, 98U, 134U, 568U, 645U, 682U}) {
-      EXPECT_EQ(gpu->isUBWCSupportedByGpu(format), 0U) << format;
+      EXPECT_NUMBER(gpu->isUBWCSupportedByGpu(format), 0) << format;
     }
   }
 }
@@ -110,7 +115,7 @@ TEST(Compression, IsOfNothingAndSilentOnAnUnknownFamily) {
   gpu->get_gpu_pixel_alignment();
   gpu.take_messages();
   for (const int32_t format : format_arguments()) {
-    EXPECT_EQ(gpu->isUBWCSupportedByGpu(static_cast<uint32_t>(format)), 0U);
+    EXPECT_NUMBER(gpu->isUBWCSupportedByGpu(static_cast<uint32_t>(format)), 0);
   }
   EXPECT_THAT(gpu.take_messages(), IsEmpty());
 }

@@ -9,73 +9,120 @@
 #include "identify/gpu_identity.h"
 #include "simulator/hxl_sim.h"
 #include "tests/harness/chips.h"
+#include "tests/harness/off_by.h"
 
 namespace {
 
-bool wide_enough(bool in_column, int32_t width, uint32_t bytes_per_pixel) {
+struct Pixels {
+  int32_t width_px;
+  uint32_t bytes_per_pixel;
+};
+
+bool wide_enough(const Pixels& pixels, bool in_column = true) {
   korvel::ChipColumns columns{};
   columns.wide_enough_for_tiling = in_column;
-  return korvel::wide_enough_for_tiling(korvel::chip_properties(columns), width, bytes_per_pixel);
+  return korvel::wide_enough_for_tiling(korvel::chip_properties(columns), pixels.width_px,
+                                        pixels.bytes_per_pixel);
 }
 
 TEST(WideEnoughForTiling, HoldsFrom16TimesTheBytesOfAPixelOn) {
   for (const int32_t bytes : {1, 2, 4, 8, 16, 3}) {
-    EXPECT_FALSE(wide_enough(true, 16 * bytes - 1, static_cast<uint32_t>(bytes)));
-    EXPECT_TRUE(wide_enough(true, 16 * bytes, static_cast<uint32_t>(bytes)));
-    EXPECT_TRUE(wide_enough(true, INT_MAX, static_cast<uint32_t>(bytes)));
-    EXPECT_FALSE(wide_enough(true, -1, static_cast<uint32_t>(bytes)));
+    const auto bytes_per_pixel = static_cast<uint32_t>(bytes);
+    const auto is_wide_enough = [=](int32_t width_px) {
+      return wide_enough({.width_px = width_px, .bytes_per_pixel = bytes_per_pixel});
+    };
+    EXPECT_FALSE(is_wide_enough(16 * bytes - 1)) << bytes;
+    EXPECT_TRUE(is_wide_enough(16 * bytes)) << bytes;
+    EXPECT_TRUE(is_wide_enough(INT_MAX)) << bytes;
+    EXPECT_FALSE(is_wide_enough(-1)) << bytes;
   }
 }
 
 TEST(WideEnoughForTiling, ComparesSigned32BitNumbers) {
-  EXPECT_TRUE(wide_enough(true, 0, 0));
-  EXPECT_FALSE(wide_enough(true, -1, 0));
+  EXPECT_TRUE(wide_enough({.width_px = 0, .bytes_per_pixel = 0}));
+  EXPECT_FALSE(wide_enough({.width_px = -1, .bytes_per_pixel = 0}));
   // 16 * 0x08000000 is the smallest negative number.
-  EXPECT_TRUE(wide_enough(true, INT_MIN, 0x08000000));
-  EXPECT_TRUE(wide_enough(true, 0, 0x08000000));
-  // 16 * 0x07FFFFFF is just below 2^31.
-  EXPECT_FALSE(wide_enough(true, 0x7FFFFFEF, 0x07FFFFFF));
-  EXPECT_TRUE(wide_enough(true, 0x7FFFFFF0, 0x07FFFFFF));
+  EXPECT_TRUE(wide_enough({.width_px = INT_MIN, .bytes_per_pixel = 0x08000000}));
+  EXPECT_TRUE(wide_enough({.width_px = 0, .bytes_per_pixel = 0x08000000}));
+  // 16 * 0x07FFFFFF is 0x7FFFFFF0, just below 2^31.
+  EXPECT_FALSE(wide_enough({.width_px = 0x7FFFFFEF, .bytes_per_pixel = 0x07FFFFFF}));
+  EXPECT_TRUE(wide_enough({.width_px = 0x7FFFFFF0, .bytes_per_pixel = 0x07FFFFFF}));
   // 16 * 0x10000000 is 0 in 32 bits.
-  EXPECT_TRUE(wide_enough(true, 0, 0x10000000));
-  EXPECT_FALSE(wide_enough(true, -1, 0x10000000));
+  EXPECT_TRUE(wide_enough({.width_px = 0, .bytes_per_pixel = 0x10000000}));
+  EXPECT_FALSE(wide_enough({.width_px = -1, .bytes_per_pixel = 0x10000000}));
   // 16 * 0xFFFFFFFF is -16.
-  EXPECT_TRUE(wide_enough(true, -16, 0xFFFFFFFF));
-  EXPECT_FALSE(wide_enough(true, -17, 0xFFFFFFFF));
+  EXPECT_TRUE(wide_enough({.width_px = -16, .bytes_per_pixel = 0xFFFFFFFF}));
+  EXPECT_FALSE(wide_enough({.width_px = -17, .bytes_per_pixel = 0xFFFFFFFF}));
 }
 
 TEST(WideEnoughForTiling, HoldsForAnyWidthOutsideTheColumn) {
-  for (const int32_t width : {INT_MIN, -1, 0, 1, 63, INT_MAX}) {
+  for (const int32_t width_px : {INT_MIN, -1, 0, 1, 63, INT_MAX}) {
     for (const uint32_t bytes : {0U, 4U, 16U, 0xFFFFFFFFU}) {
-      EXPECT_TRUE(wide_enough(false, width, bytes));
+      EXPECT_TRUE(wide_enough({.width_px = width_px, .bytes_per_pixel = bytes}, false));
     }
   }
 }
 
 TEST(WideEnoughForTiling, HoldsForAnyWidthOnAnUnknownChip) {
-  EXPECT_TRUE(korvel::wide_enough_for_tiling(korvel::kDefaultProperties, 0, 4));
-  EXPECT_TRUE(korvel::wide_enough_for_tiling(korvel::kDefaultProperties, -5, 16));
+  for (const int32_t width_px : {0, -5}) {
+    EXPECT_TRUE(korvel::wide_enough_for_tiling(korvel::kDefaultProperties, width_px, 4));
+  }
 }
 
 struct Column {
+  const char* name;
   bool korvel::ChipColumns::*listed;
   uint16_t korvel::ChipProperties::*property;
   uint32_t supported;
-  uint32_t default_value;
+  uint32_t otherwise;
 };
 
 constexpr Column kColumns[] = {
-    {&korvel::ChipColumns::base_alignment, &korvel::ChipProperties::base_alignment, 4096, 0},
-    {&korvel::ChipColumns::linear_alignment, &korvel::ChipProperties::linear_alignment, 64, 0},
-    {&korvel::ChipColumns::aux_alignment, &korvel::ChipProperties::aux_alignment, 512, 0},
-    {&korvel::ChipColumns::small_alignment, &korvel::ChipProperties::small_alignment, 16, 0},
-    {&korvel::ChipColumns::pixel_alignment, &korvel::ChipProperties::pixel_alignment, 64, 1},
-    {&korvel::ChipColumns::tiled_alignment, &korvel::ChipProperties::tiled_alignment, 4096, 1},
-    {&korvel::ChipColumns::min_level_extent, &korvel::ChipProperties::min_level_extent, 64, 0},
-    {&korvel::ChipColumns::level_offset_alignment, &korvel::ChipProperties::level_offset_alignment,
-     4096, 0},
-    {&korvel::ChipColumns::level_size_alignment, &korvel::ChipProperties::level_size_alignment,
-     4096, 0},
+    {.name = "base_alignment",
+     .listed = &korvel::ChipColumns::base_alignment,
+     .property = &korvel::ChipProperties::base_alignment,
+     .supported = 4096,
+     .otherwise = 0},
+    {.name = "linear_alignment",
+     .listed = &korvel::ChipColumns::linear_alignment,
+     .property = &korvel::ChipProperties::linear_alignment,
+     .supported = 64,
+     .otherwise = 0},
+    {.name = "aux_alignment",
+     .listed = &korvel::ChipColumns::aux_alignment,
+     .property = &korvel::ChipProperties::aux_alignment,
+     .supported = 512,
+     .otherwise = 0},
+    {.name = "small_alignment",
+     .listed = &korvel::ChipColumns::small_alignment,
+     .property = &korvel::ChipProperties::small_alignment,
+     .supported = 16,
+     .otherwise = 0},
+    {.name = "pixel_alignment",
+     .listed = &korvel::ChipColumns::pixel_alignment,
+     .property = &korvel::ChipProperties::pixel_alignment,
+     .supported = 64,
+     .otherwise = 1},
+    {.name = "tiled_alignment",
+     .listed = &korvel::ChipColumns::tiled_alignment,
+     .property = &korvel::ChipProperties::tiled_alignment,
+     .supported = 4096,
+     .otherwise = 1},
+    {.name = "min_level_extent",
+     .listed = &korvel::ChipColumns::min_level_extent,
+     .property = &korvel::ChipProperties::min_level_extent,
+     .supported = 64,
+     .otherwise = 0},
+    {.name = "level_offset_alignment",
+     .listed = &korvel::ChipColumns::level_offset_alignment,
+     .property = &korvel::ChipProperties::level_offset_alignment,
+     .supported = 4096,
+     .otherwise = 0},
+    {.name = "level_size_alignment",
+     .listed = &korvel::ChipColumns::level_size_alignment,
+     .property = &korvel::ChipProperties::level_size_alignment,
+     .supported = 4096,
+     .otherwise = 0},
 };
 
 TEST(ChipProperties, EachFollowsItsOwnColumn) {
@@ -84,8 +131,9 @@ TEST(ChipProperties, EachFollowsItsOwnColumn) {
     columns.*set.listed = true;
     const korvel::ChipProperties properties = korvel::chip_properties(columns);
     for (const Column& column : kColumns) {
-      EXPECT_EQ(properties.*column.property,
-                column.listed == set.listed ? column.supported : column.default_value);
+      EXPECT_NUMBER_NAMED(column.name, properties.*column.property,
+                          column.listed == set.listed ? column.supported : column.otherwise)
+          << set.name;
     }
   }
 }
@@ -96,8 +144,9 @@ TEST(ChipProperties, OfEveryRowFollowItsColumns) {
     const korvel::ChipData& chip = korvel::kChipData[i];
     ASSERT_EQ(row.chip_id, chip.chip_id);
     for (const Column& column : kColumns) {
-      EXPECT_EQ(row.properties.*column.property,
-                chip.columns.*column.listed ? column.supported : column.default_value);
+      EXPECT_NUMBER_NAMED(column.name, row.properties.*column.property,
+                          chip.columns.*column.listed ? column.supported : column.otherwise)
+          << "chip " << chip.chip_id;
     }
     EXPECT_EQ(row.properties.holds_minimum_tiling_width, chip.columns.wide_enough_for_tiling);
   }
@@ -134,8 +183,8 @@ TEST_F(SupportedChip, IdentifiesTheGpuOnce) {
   hxl_sim_clear_calls();
   EXPECT_TRUE(supported(harness::full_chip(5).chip_id));
   EXPECT_TRUE(korvel::is_supported_chip());
-  EXPECT_EQ(hxl_sim_call_count(HXL_SIM_LIBRARY_OPEN), 1U);
-  EXPECT_EQ(hxl_sim_call_count(HXL_SIM_DEVICE_GETINFO), 1U);
+  EXPECT_NUMBER(hxl_sim_call_count(HXL_SIM_LIBRARY_OPEN), 1);
+  EXPECT_NUMBER(hxl_sim_call_count(HXL_SIM_DEVICE_GETINFO), 1);
 }
 
 TEST_F(SupportedChip, IsNoneAfterAFailedQuery) {

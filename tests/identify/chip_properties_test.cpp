@@ -8,6 +8,7 @@
 #include "tests/harness/chips.h"
 #include "tests/harness/faults.h"
 #include "tests/harness/gpu.h"
+#include "tests/harness/off_by.h"
 
 namespace {
 
@@ -44,20 +45,20 @@ TEST(PixelAlignment, Is64OnTheChipsOfItsColumnAnd1OnAllOthers) {
   for (const ChipData& chip : korvel::kChipData) {
     SCOPED_TRACE(chip.chip_id);
     Gpu gpu(chip.chip_id);
-    EXPECT_EQ(gpu->get_gpu_pixel_alignment(), chip.columns.pixel_alignment ? 64U : 1U);
-    EXPECT_EQ(gpu->get_gpu_pixel_alignment(), chip.columns.pixel_alignment ? 64U : 1U);
+    EXPECT_NUMBER(gpu->get_gpu_pixel_alignment(), chip.columns.pixel_alignment ? 64 : 1);
+    EXPECT_NUMBER(gpu->get_gpu_pixel_alignment(), chip.columns.pixel_alignment ? 64 : 1);
     EXPECT_TRUE(gpu.take_messages().empty());
   }
 }
 
 TEST(PixelAlignment, Is1OnAChipWithoutARow) {
   Gpu gpu(harness::kUnknownChip);
-  EXPECT_EQ(gpu->get_gpu_pixel_alignment(), 1U);
+  EXPECT_NUMBER(gpu->get_gpu_pixel_alignment(), 1);
 }
 
 TEST(PixelAlignment, Is1AfterAFailedQuery) {
   Gpu gpu(harness::full_chip(5).chip_id, HXL_SIM_FAIL_GETINFO);
-  EXPECT_EQ(gpu->get_gpu_pixel_alignment(), 1U);
+  EXPECT_NUMBER(gpu->get_gpu_pixel_alignment(), 1);
 }
 
 TEST(SlicePitchAlignment, OfTiledSurfacesFollowsTheColumns) {

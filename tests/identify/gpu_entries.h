@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "tests/align/align_calls.h"
+#include "tests/formats/format_calls.h"
 #include "tests/harness/gpu.h"
 
 namespace identify_test {
@@ -19,8 +21,44 @@ struct GpuEntry {
   bool reports_family = false;
 };
 
-inline constexpr uint32_t kRgba8 = 28;
-inline constexpr uint32_t kBc1 = 71;
+inline constexpr uint32_t kRgba8 = formats_test::kRgba8;
+inline constexpr uint32_t kTiled = 1;
+
+// The arguments of the three entries that lay surfaces out, and what they are where a test does not
+// say.
+struct LayoutRequest {
+  int32_t width_px = 100;
+  int32_t height_px = 30;
+  int32_t depth = 1;
+  uint32_t format = kRgba8;
+  uint32_t samples = 1;
+  uint32_t tiling_mode = kTiled;
+  uint64_t flags = 0;
+  uint32_t planes = 1;
+};
+
+inline uint32_t init_layout(const harness::Library& library, void* blob, const LayoutRequest& r) {
+  return library.korvel_init_memory_layout(blob, r.width_px, r.height_px, r.depth, r.format,
+                                           r.samples, r.tiling_mode, r.flags, r.planes);
+}
+
+inline void init_single_level(const harness::Library& library, MemoryLayout& record,
+                              const LayoutRequest& r) {
+  library.korvel_init_single_level_surface(&record, r.width_px, r.height_px, r.depth, r.format,
+                                           r.samples, r.tiling_mode, r.flags, r.planes);
+}
+
+inline void init_multi_level(const harness::Library& library, MemoryLayout& record,
+                             const LayoutRequest& r) {
+  library.korvel_init_multi_level_surface(&record, static_cast<uint32_t>(r.width_px),
+                                          static_cast<uint32_t>(r.height_px), r.depth, r.format,
+                                          r.samples, r.tiling_mode, r.flags, r.planes);
+}
+
+// What the alignment entries are asked where only that they are asked matters.
+inline constexpr align_test::Request kSomeSize = {
+    .width_el = 100, .height_rows = 30, .format = kRgba8};
+inline constexpr align_test::Request kNegativeWidth = {.width_el = -1, .format = kRgba8};
 
 namespace calls {
 
@@ -29,15 +67,15 @@ inline void get_gpu_pixel_alignment(const harness::Library& library) {
 }
 
 inline void get_slice_pitch_alignment(const harness::Library& library) {
-  library.get_slice_pitch_alignment(1);
+  library.get_slice_pitch_alignment(kTiled);
 }
 
 inline void isFormatRenderableByGpu(const harness::Library& library) {
-  library.isFormatRenderableByGpu(kRgba8, 0);
+  formats_test::renderable(library, {.format = kRgba8});
 }
 
 inline void isFormatSampleableByGpu(const harness::Library& library) {
-  library.isFormatSampleableByGpu(kRgba8, 1, 0);
+  formats_test::sampleable(library, {.format = kRgba8});
 }
 
 inline void isUBWCSupportedByGpu(const harness::Library& library) {
@@ -45,68 +83,49 @@ inline void isUBWCSupportedByGpu(const harness::Library& library) {
 }
 
 inline void compute_compressedfmt_aligned_width_and_height(const harness::Library& library) {
-  uint32_t width;
-  uint32_t height;
-  uint32_t bpp;
-  library.compute_compressedfmt_aligned_width_and_height(100, 30, kBc1, 0, 0, 0, &width, &height,
-                                                         &bpp);
+  formats_test::size_in_blocks(
+      library, {.width_texels = 100, .height_texels = 30, .format = formats_test::kBc1});
 }
 
 inline void compute_aligned_width_and_height(const harness::Library& library) {
-  uint32_t width;
-  uint32_t height;
-  library.compute_aligned_width_and_height(100, 30, 0, 0, 0, 0, &width, &height);
+  align_test::basic(library, {.width_px = 100, .height_px = 30});
 }
 
 inline void compute_surface_padding(const harness::Library& library) {
-  library.compute_surface_padding(100, 0, 1, 0, 0);
+  align_test::surface_padding(library, {.width_px = 100});
 }
 
 inline void compute_fmt_aligned_width_and_height(const harness::Library& library) {
-  uint32_t width;
-  uint32_t height;
-  library.compute_fmt_aligned_width_and_height(100, 30, 0, kRgba8, 1, 1, 1, 512, &width, &height);
+  align_test::full(library, kSomeSize);
 }
 
 inline void compute_fmt_minimal_aligned_width_and_height(const harness::Library& library) {
-  uint32_t width;
-  uint32_t height;
-  library.compute_fmt_minimal_aligned_width_and_height(100, 30, 0, kRgba8, 1, 1, 1, 1, 512, 4, 0,
-                                                       &width, &height);
+  align_test::minimal(library, kSomeSize);
 }
 
 inline void compute_fmt_aligned_width_and_height_in_bytes(const harness::Library& library) {
-  uint32_t tiling_mode = 1;
-  const AlignInBytesParams params = {100, 30, 0, kRgba8, 1, 1, 512, &tiling_mode};
-  uint32_t aligned_row_bytes;
-  uint32_t minimal_row_bytes;
-  uint32_t aligned_height;
-  const AlignInBytesResult result = {&aligned_row_bytes, &minimal_row_bytes, &aligned_height};
-  library.compute_fmt_aligned_width_and_height_in_bytes(&params, &result);
+  align_test::in_bytes(library, kSomeSize);
 }
 
 inline void compute_fmt_aligned_width_and_height_fdm(const harness::Library& library) {
-  uint32_t width;
-  uint32_t height;
-  library.compute_fmt_aligned_width_and_height_fdm(100, 30, 0, kRgba8, 1, 1, 1, 512, 1, 0, &width,
-                                                   &height);
+  align_test::fdm(library, kSomeSize);
 }
 
 inline void korvel_init_memory_layout(const harness::Library& library) {
   LayoutMetadata blob{};
-  library.korvel_init_memory_layout(&blob, 100, 30, 1, kRgba8, 1, 1, 0, 1);
+  init_layout(library, &blob, {});
 }
 
 inline void korvel_init_single_level_surface(const harness::Library& library) {
   MemoryLayout record{};
   record.levels = 1;
-  library.korvel_init_single_level_surface(&record, 100, 30, 1, kRgba8, 1, 1, 0, 1);
+  init_single_level(library, record, {});
 }
 
 inline void korvel_init_multi_level_surface(const harness::Library& library) {
   MemoryLayout record{};
   record.levels = 1;
-  library.korvel_init_multi_level_surface(&record, 100, 30, 1, kRgba8, 1, 1, 0, 1);
+  init_multi_level(library, record, {});
 }
 
 }  // namespace calls

@@ -20,6 +20,7 @@ using testing::ElementsAreArray;
 using testing::IsEmpty;
 
 constexpr uint32_t kNotIdentified = 0xFFFFFFFF;
+constexpr uint32_t kFailed = 0xFFFFFFFF;  // the status of a failure
 
 uint32_t known_chip() {
   return harness::full_chip(6).chip_id;
@@ -119,19 +120,19 @@ TEST(Identification, SucceedsOnceTheLibraryOpens) {
 
 TEST(Identification, CallsWithoutTheLibraryGetTheValuesOfAnUnknownChip) {
   Gpu gpu(known_chip(), HXL_SIM_FAIL_LIBRARY_OPEN);
-  EXPECT_EQ(gpu->get_gpu_pixel_alignment(), 1U);
-  EXPECT_EQ(gpu->get_slice_pitch_alignment(1), 0U);
-  EXPECT_EQ(gpu->isFormatRenderableByGpu(kRgba8, 0), 0U);
-  EXPECT_EQ(gpu->isFormatSampleableByGpu(kRgba8, 1, 0), 0U);
-  EXPECT_EQ(gpu->isUBWCSupportedByGpu(kRgba8), 0U);
-  EXPECT_EQ(gpu->compute_surface_padding(100, 0, 1, 0, 0), 100U);
+  EXPECT_NUMBER(gpu->get_gpu_pixel_alignment(), 1);
+  EXPECT_NUMBER(gpu->get_slice_pitch_alignment(kTiled), 0);
+  EXPECT_NUMBER(formats_test::renderable(gpu, {.format = kRgba8}), 0);
+  EXPECT_NUMBER(formats_test::sampleable(gpu, {.format = kRgba8}), 0);
+  EXPECT_NUMBER(gpu->isUBWCSupportedByGpu(kRgba8), 0);
+  EXPECT_NUMBER(align_test::surface_padding(gpu.library(), {.width_px = 100}), 100);
   hxl_sim_set_failures(0);
-  EXPECT_EQ(gpu->get_gpu_pixel_alignment(), 64U);
-  EXPECT_EQ(gpu->get_slice_pitch_alignment(1), 4096U);
-  EXPECT_EQ(gpu->isFormatRenderableByGpu(kRgba8, 0), 1U);
-  EXPECT_EQ(gpu->isFormatSampleableByGpu(kRgba8, 1, 0), 1U);
-  EXPECT_EQ(gpu->isUBWCSupportedByGpu(kRgba8), 1U);
-  EXPECT_EQ(gpu->compute_surface_padding(100, 0, 1, 0, 0), 0U);
+  EXPECT_NUMBER(gpu->get_gpu_pixel_alignment(), 64);
+  EXPECT_NUMBER(gpu->get_slice_pitch_alignment(kTiled), 4096);
+  EXPECT_NUMBER(formats_test::renderable(gpu, {.format = kRgba8}), 1);
+  EXPECT_NUMBER(formats_test::sampleable(gpu, {.format = kRgba8}), 1);
+  EXPECT_NUMBER(gpu->isUBWCSupportedByGpu(kRgba8), 1);
+  EXPECT_NUMBER(align_test::surface_padding(gpu.library(), {.width_px = 100}), 0);
 }
 
 TEST(Identification, DeviceThatDoesNotOpenIsNotClosedAndNeverAskedAgain) {
@@ -157,11 +158,11 @@ TEST(Identification, DeviceThatDoesNotAnswerIsClosedAndNeverAskedAgain) {
 TEST(Identification, FailedQueryGivesTheDefaultsForGood) {
   for (const uint32_t failure : {HXL_SIM_FAIL_DEVICE_OPEN, HXL_SIM_FAIL_GETINFO}) {
     Gpu gpu(known_chip(), failure);
-    EXPECT_EQ(gpu->get_gpu_pixel_alignment(), 1U);
+    EXPECT_NUMBER(gpu->get_gpu_pixel_alignment(), 1);
     hxl_sim_set_failures(0);
-    EXPECT_EQ(gpu->get_gpu_pixel_alignment(), 1U);
-    EXPECT_EQ(gpu->get_slice_pitch_alignment(1), 0U);
-    EXPECT_EQ(gpu->isUBWCSupportedByGpu(kRgba8), 0U);
+    EXPECT_NUMBER(gpu->get_gpu_pixel_alignment(), 1);
+    EXPECT_NUMBER(gpu->get_slice_pitch_alignment(kTiled), 0);
+    EXPECT_NUMBER(gpu->isUBWCSupportedByGpu(kRgba8), 0);
   }
 }
 
@@ -184,7 +185,7 @@ TEST(Identification, ChipIdsArePrintedUnsignedByTheIdentificationAndSignedByTheE
     }
   }
   Gpu gpu(0x80000000U);
-  gpu->compute_surface_padding(1, 0, 0, 0, 0);
+  align_test::surface_padding(gpu.library(), {.width_px = 1});
   const std::vector<Message> messages = gpu.take_messages();
   ASSERT_EQ(messages.size(), 4U);
   EXPECT_EQ(messages[0].text, "Unknown HXL chip ID 2147483648");
@@ -234,7 +235,7 @@ struct DeviceWords {
 // What a layout says about the device that it was made for.
 DeviceWords device_of_layout(Gpu& gpu) {
   LayoutMetadata blob{};
-  EXPECT_EQ(gpu->korvel_init_memory_layout(&blob, 64, 64, 1, kRgba8, 1, 1, 0, 1), 0U);
+  EXPECT_NUMBER(init_layout(gpu.library(), &blob, {}), 0);
   DeviceWords device;
   std::memcpy(device.word, blob.layout.device_uuid, sizeof device.word);
   return device;
@@ -245,9 +246,9 @@ TEST(Identification, EveryChipHasItsFamilyModelAndRevision) {
     SCOPED_TRACE(chip.chip_id);
     Gpu gpu(chip.chip_id);
     const DeviceWords device = device_of_layout(gpu);
-    EXPECT_EQ(device.word[1], chip.family_id);
-    EXPECT_EQ(device.word[2], chip.model_code);
-    EXPECT_EQ(device.word[3], chip.rev_id);
+    EXPECT_NUMBER(device.word[1], chip.family_id);
+    EXPECT_NUMBER(device.word[2], chip.model_code);
+    EXPECT_NUMBER(device.word[3], chip.rev_id);
     EXPECT_THAT(gpu.take_calls(), ElementsAreArray(kWholeQuery));
   }
 }
@@ -265,9 +266,9 @@ TEST(Identification, IdsBesideTheKnownOnesAreUnknown) {
       SCOPED_TRACE(beside);
       Gpu gpu(beside);
       const DeviceWords device = device_of_layout(gpu);
-      EXPECT_EQ(device.word[1], 0U);
-      EXPECT_EQ(device.word[2], 0U);
-      EXPECT_EQ(device.word[3], 0U);
+      EXPECT_NUMBER(device.word[1], 0);
+      EXPECT_NUMBER(device.word[2], 0);
+      EXPECT_NUMBER(device.word[3], 0);
       EXPECT_EQ(gpu.take_messages().size(), 4U);  // three steps and the alignment entry
     }
   }
@@ -277,64 +278,59 @@ TEST(Identification, ComesBeforeTheChecksOfTheArguments) {
   const auto asks = [](const char* what, auto call) {
     SCOPED_TRACE(what);
     Gpu gpu(known_chip());
-    uint32_t width;
-    uint32_t height;
-    call(gpu.library(), &width, &height);
+    call(gpu.library());
     EXPECT_THAT(gpu.take_calls(), ElementsAreArray(kWholeQuery));
   };
   using Lib = harness::Library;
-  asks("negative width", [](const Lib& library, uint32_t* width, uint32_t* height) {
-    library.compute_aligned_width_and_height(-1, 1, 0, 0, 0, 0, width, height);
-  });
-  asks("negative width, full", [](const Lib& library, uint32_t* width, uint32_t* height) {
-    library.compute_fmt_aligned_width_and_height(-1, 1, 0, kRgba8, 1, 1, 1, 512, width, height);
-  });
-  asks("negative width, minimal", [](const Lib& library, uint32_t* width, uint32_t* height) {
-    library.compute_fmt_minimal_aligned_width_and_height(-1, 1, 0, kRgba8, 1, 1, 1, 1, 512, 4, 0,
-                                                         width, height);
-  });
-  asks("negative width, fdm", [](const Lib& library, uint32_t* width, uint32_t* height) {
-    library.compute_fmt_aligned_width_and_height_fdm(-1, 1, 0, kRgba8, 1, 1, 1, 512, 1, 0, width,
-                                                     height);
-  });
-  asks("layout of no width", [](const Lib& library, uint32_t*, uint32_t*) {
+  asks("negative width", [](const Lib& library) { align_test::basic(library, {.width_px = -1}); });
+  asks("negative width, full",
+       [](const Lib& library) { align_test::full(library, kNegativeWidth); });
+  asks("negative width, minimal",
+       [](const Lib& library) { align_test::minimal(library, kNegativeWidth); });
+  asks("negative width, fdm", [](const Lib& library) { align_test::fdm(library, kNegativeWidth); });
+  asks("layout of no width", [](const Lib& library) {
     LayoutMetadata blob{};
-    EXPECT_EQ(library.korvel_init_memory_layout(&blob, 0, 1, 1, kRgba8, 1, 1, 0, 1), 0xFFFFFFFFU);
+    EXPECT_NUMBER(init_layout(library, &blob, {.width_px = 0}), kFailed);
   });
-  asks("layout without a blob", [](const Lib& library, uint32_t*, uint32_t*) {
-    EXPECT_EQ(library.korvel_init_memory_layout(nullptr, 1, 1, 1, kRgba8, 1, 1, 0, 1), 0xFFFFFFFFU);
-  });
-  asks("single-level surface of no level", [](const Lib& library, uint32_t*, uint32_t*) {
+  asks("layout without a blob",
+       [](const Lib& library) { EXPECT_NUMBER(init_layout(library, nullptr, {}), kFailed); });
+  asks("single-level surface of no level", [](const Lib& library) {
     MemoryLayout record{};
-    library.korvel_init_single_level_surface(&record, 64, 64, 1, kRgba8, 1, 1, 0, 1);
+    init_single_level(library, record, {});
   });
-  asks("mip chain of no plane", [](const Lib& library, uint32_t*, uint32_t*) {
+  asks("mip chain of no plane", [](const Lib& library) {
     MemoryLayout record{};
     record.levels = 1;
-    library.korvel_init_multi_level_surface(&record, 64, 64, 1, kRgba8, 1, 1, 0, 0);
+    init_multi_level(library, record, {.planes = 0});
   });
-  asks("unknown formats", [](const Lib& library, uint32_t*, uint32_t*) {
-    EXPECT_EQ(library.isFormatRenderableByGpu(-1, 0), 0U);
-    EXPECT_EQ(library.isFormatSampleableByGpu(-1, 0, 0), 0U);
-    EXPECT_EQ(library.isUBWCSupportedByGpu(0xFFFFFFFF), 0U);
+  asks("unknown formats", [](const Lib& library) {
+    EXPECT_NUMBER(formats_test::renderable(library, {.format = -1}), 0);
+    EXPECT_NUMBER(formats_test::sampleable(library, {.format = -1}), 0);
+    EXPECT_NUMBER(library.isUBWCSupportedByGpu(0xFFFFFFFF), 0);
   });
 }
 
 TEST(Identification, EntriesThatDoNotDependOnTheGpuNeverAskForIt) {
   Gpu gpu(known_chip());
   uint8_t uuid[16];
-  EXPECT_EQ(gpu->get_device_uuid(uuid, 16, 6, 1, 2), 0);
-  EXPECT_EQ(gpu->get_override_device_uuid(uuid, 16, 6, 1, 2, 3), 0);
-  EXPECT_EQ(gpu->get_driver_uuid(uuid, 16), 0);
+  constexpr uint32_t kFamily = 6;
+  constexpr uint32_t kModelCode = 1;
+  constexpr uint32_t kRevision = 2;
+  constexpr uint16_t kWord0 = 3;
+  EXPECT_EQ(gpu->get_device_uuid(uuid, sizeof uuid, kFamily, kModelCode, kRevision), 0);
+  EXPECT_EQ(
+      gpu->get_override_device_uuid(uuid, sizeof uuid, kFamily, kModelCode, kRevision, kWord0), 0);
+  EXPECT_EQ(gpu->get_driver_uuid(uuid, sizeof uuid), 0);
   char text[37];
-  EXPECT_EQ(gpu->uuid_to_str(text, 37, uuid, 16), 0);
-  EXPECT_EQ(gpu->korvel_get_metadata_blob_size(), 5536U);
+  EXPECT_EQ(gpu->uuid_to_str(text, sizeof text, uuid, sizeof uuid), 0);
+  // A header of 24 bytes and a record of 5512.
+  EXPECT_NUMBER(gpu->korvel_get_metadata_blob_size(), 5536);
   const LayoutMetadata blob{};
   EXPECT_EQ(gpu->korvel_get_aligned_gpu_buffer_size(&blob), 0U);
   const MemoryLayout record{};
-  EXPECT_EQ(gpu->validate_resource_memory_layout_metadata(&record, uuid, uuid), 0xFFFFFFFFU);
+  EXPECT_EQ(gpu->validate_resource_memory_layout_metadata(&record, uuid, uuid), kFailed);
   const SurfaceMetadata surface{};
-  EXPECT_EQ(gpu->validate_surface_metadata(&surface, uuid, uuid), 0xFFFFFFFFU);
+  EXPECT_EQ(gpu->validate_surface_metadata(&surface, uuid, uuid), kFailed);
   EXPECT_THAT(gpu.take_calls(), IsEmpty());
 }
 

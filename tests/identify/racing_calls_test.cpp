@@ -8,10 +8,13 @@
 #include <functional>
 #include <map>
 #include <thread>
+#include <type_traits>
 
 #include "tests/harness/chips.h"
 #include "tests/harness/gpu.h"
+#include "tests/identify/gpu_entries.h"
 
+namespace identify_test {
 namespace {
 
 using harness::Gpu;
@@ -28,69 +31,51 @@ struct Answers {
   uint32_t renderable;
   uint32_t sampleable;
   uint32_t compressed;
-  uint32_t padded_width, padded_height;
-  uint32_t minimal_width, minimal_height;
-  uint32_t fdm_width, fdm_height;
-  uint32_t aligned_row_bytes, minimal_row_bytes, rows;
-  uint32_t blocks_wide, blocks_high, block_bytes;
-  uint32_t basic_width, basic_height;
   uint32_t surface_padding;
+  align_test::Size full;
+  align_test::Size minimal;
+  align_test::Size fdm;
+  align_test::Size basic;
+  align_test::BytesAnswer in_bytes;
+  formats_test::BlockSize blocks;
+  uint32_t unused;  // up to the alignment of the blob
   LayoutMetadata blob;
   MemoryLayout surface;
   MemoryLayout chain;
 };
+static_assert(std::has_unique_object_representations_v<Answers>, "answers are compared as bytes");
 constexpr int kEntries = 15;
 static_assert(kThreads >= kEntries, "each entry is some thread's first call");
+
+// What layouts are asked for: 100 x 30, compressed.
+constexpr LayoutRequest kCompressed = {.flags = LAYOUT_FLAG_UBWC};
 
 // Each thread starts with another entry: `shift` turns the order.
 Answers ask(const Library& library, int shift) {
   Answers a{};
   a.surface.levels = 1;
   a.chain.levels = 3;
+  align_test::Request linear = kSomeSize;
+  linear.tiling_mode = 0;
+  linear.want_extra_padding = 1;
+  align_test::Request tiled = kSomeSize;
+  tiled.want_extra_padding = 1;
   const std::array<std::function<void()>, kEntries> questions = {
       [&] { a.pixel_alignment = library.get_gpu_pixel_alignment(); },
-      [&] { a.slice_pitch_alignment = library.get_slice_pitch_alignment(1); },
-      [&] { a.renderable = library.isFormatRenderableByGpu(28, 0); },
-      [&] { a.sampleable = library.isFormatSampleableByGpu(28, 1, 0); },
-      [&] { a.compressed = library.isUBWCSupportedByGpu(28); },
-      [&] {
-        library.compute_fmt_aligned_width_and_height(100, 30, 0, 28, 1, 1, 1, 512, &a.padded_width,
-                                                     &a.padded_height);
-      },
-      [&] {
-        library.compute_fmt_minimal_aligned_width_and_height(100, 30, 0, 28, 1, 0, 0, 1, 512, 4, 1,
-                                                             &a.minimal_width, &a.minimal_height);
-      },
-      [&] {
-        library.compute_fmt_aligned_width_and_height_fdm(100, 30, 0, 28, 1, 1, 1, 512, 1, 1,
-                                                         &a.fdm_width, &a.fdm_height);
-      },
-      [&] {
-        uint32_t tiling_mode = 1;
-        const AlignInBytesParams params = {100, 30, 0, 28, 1, 1, 512, &tiling_mode};
-        const AlignInBytesResult result = {&a.aligned_row_bytes, &a.minimal_row_bytes, &a.rows};
-        library.compute_fmt_aligned_width_and_height_in_bytes(&params, &result);
-      },
-      [&] {
-        library.compute_compressedfmt_aligned_width_and_height(100, 30, 71, 0, 0, 0, &a.blocks_wide,
-                                                               &a.blocks_high, &a.block_bytes);
-      },
-      [&] {
-        library.compute_aligned_width_and_height(100, 30, 0, 0, 0, 0, &a.basic_width,
-                                                 &a.basic_height);
-      },
-      [&] { a.surface_padding = library.compute_surface_padding(100, 0, 1, 0, 0); },
-      [&] {
-        library.korvel_init_memory_layout(&a.blob, 100, 30, 1, 28, 1, 1, LAYOUT_FLAG_UBWC, 1);
-      },
-      [&] {
-        library.korvel_init_single_level_surface(&a.surface, 100, 30, 1, 28, 1, 1, LAYOUT_FLAG_UBWC,
-                                                 1);
-      },
-      [&] {
-        library.korvel_init_multi_level_surface(&a.chain, 100, 30, 1, 28, 1, 1, LAYOUT_FLAG_UBWC,
-                                                1);
-      },
+      [&] { a.slice_pitch_alignment = library.get_slice_pitch_alignment(kTiled); },
+      [&] { a.renderable = formats_test::renderable(library, {.format = kRgba8}); },
+      [&] { a.sampleable = formats_test::sampleable(library, {.format = kRgba8}); },
+      [&] { a.compressed = library.isUBWCSupportedByGpu(kRgba8); },
+      [&] { a.full = align_test::full(library, kSomeSize); },
+      [&] { a.minimal = align_test::minimal(library, linear); },
+      [&] { a.fdm = align_test::fdm(library, tiled); },
+      [&] { a.in_bytes = align_test::in_bytes(library, kSomeSize); },
+      [&] { a.blocks = formats_test::size_in_blocks(library, {.format = formats_test::kBc1}); },
+      [&] { a.basic = align_test::basic(library, {.width_px = 100, .height_px = 30}); },
+      [&] { a.surface_padding = align_test::surface_padding(library, {.width_px = 100}); },
+      [&] { init_layout(library, &a.blob, kCompressed); },
+      [&] { init_single_level(library, a.surface, kCompressed); },
+      [&] { init_multi_level(library, a.chain, kCompressed); },
   };
   for (std::size_t i = 0; i < questions.size(); ++i) {
     questions[(i + static_cast<std::size_t>(shift)) % questions.size()]();
@@ -134,13 +119,14 @@ TEST(RacingFirstCalls, AllGetTheAnswersOfTheChip) {
     Gpu gpu(chip.chip_id);
     const std::vector<Answers> answers = race(gpu);
     expect_all_equal(gpu, answers);
-    EXPECT_EQ(answers.front().pixel_alignment, 64U);
-    EXPECT_EQ(answers.front().slice_pitch_alignment, 4096U);
-    EXPECT_EQ(answers.front().renderable, 1U);
-    EXPECT_EQ(answers.front().sampleable, 1U);
-    EXPECT_EQ(answers.front().compressed, 1U);
-    EXPECT_EQ(answers.front().padded_width, 128U);
-    EXPECT_EQ(answers.front().padded_height, 32U);
+    const Answers& first = answers.front();
+    EXPECT_NUMBER(first.pixel_alignment, 64);
+    EXPECT_NUMBER(first.slice_pitch_alignment, 4096);
+    EXPECT_NUMBER(first.renderable, 1);
+    EXPECT_NUMBER(first.sampleable, 1);
+    EXPECT_NUMBER(first.compressed, 1);
+    // 4 bytes, tiles of 64 x 16: 100 -> 128, 30 -> 32.
+    EXPECT_NUMBERS(first.full, (align_test::Size{128, 32}));
     uint32_t device[4];
     std::memcpy(device, answers.front().blob.layout.device_uuid, sizeof device);
     EXPECT_THAT(device,
@@ -167,10 +153,10 @@ TEST(RacingFirstCalls, AllGetTheDefaultsOfAnUnknownChip) {
     Gpu gpu(harness::kUnknownChip);
     const std::vector<Answers> answers = race(gpu);
     expect_all_equal(gpu, answers);
-    EXPECT_EQ(answers.front().pixel_alignment, 1U);
-    EXPECT_EQ(answers.front().padded_width, 100U);
-    EXPECT_EQ(answers.front().padded_height, 30U);
-    EXPECT_EQ(answers.front().renderable, 0U);
+    const Answers& first = answers.front();
+    EXPECT_NUMBER(first.pixel_alignment, 1);
+    EXPECT_NUMBERS(first.full, (align_test::Size{100, 30}));  // as asked
+    EXPECT_NUMBER(first.renderable, 0);
   }
 }
 
@@ -180,7 +166,7 @@ TEST(RacingFirstCalls, EachTriesForItselfWhenTheLibraryDoesNotOpen) {
   EXPECT_EQ(gpu.take_calls().size(), std::size_t{kThreads * kEntries});
   expect_all_equal(gpu, answers);
   hxl_sim_set_failures(0);
-  EXPECT_EQ(race(gpu).front().pixel_alignment, 64U);
+  EXPECT_NUMBER(race(gpu).front().pixel_alignment, 64);
 }
 
 TEST(RacingSecureContextQueries, AllGetTheDevicesWord) {
@@ -196,3 +182,4 @@ TEST(RacingSecureContextQueries, AllGetTheDevicesWord) {
 }
 
 }  // namespace
+}  // namespace identify_test

@@ -45,7 +45,7 @@ TEST(SecureContext, IsTheDevicesWordAsItIs) {
   Gpu gpu(harness::full_chip(6).chip_id);
   for (const uint32_t word : {0U, 1U, 2U, 0x100U, 0x80000000U, 0xFFFFFFFFU}) {
     hxl_sim_set_secure_context(word);
-    EXPECT_EQ(gpu->isSecureContextSupportedByGpu(), word);
+    EXPECT_NUMBER(gpu->isSecureContextSupportedByGpu(), word);
     EXPECT_THAT(gpu.take_calls(), ElementsAreArray(kSecureContextQuery));
   }
   EXPECT_THAT(gpu.take_messages(), IsEmpty());
@@ -72,19 +72,19 @@ TEST(SecureContext, WithoutTheLibraryIs0AndReportsOnEveryCall) {
   Gpu gpu(harness::full_chip(6).chip_id, HXL_SIM_FAIL_LIBRARY_OPEN);
   hxl_sim_set_secure_context(1);
   for (int call = 0; call < 3; ++call) {
-    EXPECT_EQ(gpu->isSecureContextSupportedByGpu(), 0U);
+    EXPECT_NUMBER(gpu->isSecureContextSupportedByGpu(), 0);
     EXPECT_THAT(gpu.take_calls(), ElementsAre("hxl_library_open(2048)"));
     EXPECT_THAT(gpu.take_messages(), ElementsAre(message("isSecureContextSupportedByGpu",
                                                          "Failed to open HXL Library!!!!")));
   }
   hxl_sim_set_failures(0);
-  EXPECT_EQ(gpu->isSecureContextSupportedByGpu(), 1U);
+  EXPECT_NUMBER(gpu->isSecureContextSupportedByGpu(), 1);
 }
 
 TEST(SecureContext, WithoutADeviceIs0AndClosesNoDevice) {
   Gpu gpu(harness::full_chip(6).chip_id, HXL_SIM_FAIL_DEVICE_OPEN);
   hxl_sim_set_secure_context(1);
-  EXPECT_EQ(gpu->isSecureContextSupportedByGpu(), 0U);
+  EXPECT_NUMBER(gpu->isSecureContextSupportedByGpu(), 0);
   EXPECT_THAT(gpu.take_calls(), ElementsAre("hxl_library_open(2048)", "hxl_device_open(1, 0)",
                                             "hxl_library_close()"));
   EXPECT_THAT(gpu.take_messages(), IsEmpty());
@@ -93,7 +93,7 @@ TEST(SecureContext, WithoutADeviceIs0AndClosesNoDevice) {
 TEST(SecureContext, OfADeviceThatDoesNotAnswerIs0) {
   Gpu gpu(harness::full_chip(6).chip_id, HXL_SIM_FAIL_GETINFO_EXT);
   hxl_sim_set_secure_context(1);
-  EXPECT_EQ(gpu->isSecureContextSupportedByGpu(), 0U);
+  EXPECT_NUMBER(gpu->isSecureContextSupportedByGpu(), 0);
   EXPECT_THAT(gpu.take_calls(), ElementsAreArray(kSecureContextQuery));
   EXPECT_THAT(gpu.take_messages(), IsEmpty());
 }
@@ -101,23 +101,23 @@ TEST(SecureContext, OfADeviceThatDoesNotAnswerIs0) {
 TEST(SecureContext, AnswerIsNotKept) {
   Gpu gpu(harness::full_chip(6).chip_id);
   hxl_sim_set_secure_context(1);
-  EXPECT_EQ(gpu->isSecureContextSupportedByGpu(), 1U);
+  EXPECT_NUMBER(gpu->isSecureContextSupportedByGpu(), 1);
   hxl_sim_set_secure_context(0);
-  EXPECT_EQ(gpu->isSecureContextSupportedByGpu(), 0U);
+  EXPECT_NUMBER(gpu->isSecureContextSupportedByGpu(), 0);
   hxl_sim_set_secure_context(7);
   hxl_sim_set_failures(HXL_SIM_FAIL_GETINFO_EXT);
-  EXPECT_EQ(gpu->isSecureContextSupportedByGpu(), 0U);
+  EXPECT_NUMBER(gpu->isSecureContextSupportedByGpu(), 0);
   hxl_sim_set_failures(HXL_SIM_FAIL_DEVICE_OPEN);
-  EXPECT_EQ(gpu->isSecureContextSupportedByGpu(), 0U);
+  EXPECT_NUMBER(gpu->isSecureContextSupportedByGpu(), 0);
   hxl_sim_set_failures(0);
-  EXPECT_EQ(gpu->isSecureContextSupportedByGpu(), 7U);
+  EXPECT_NUMBER(gpu->isSecureContextSupportedByGpu(), 7);
 }
 
 TEST(SecureContext, DoesNotDependOnTheChip) {
   for (const uint32_t chip_id : {0U, harness::kUnknownChip, 0xFFFFFFFFU}) {
     Gpu gpu(chip_id, HXL_SIM_FAIL_GETINFO);
     hxl_sim_set_secure_context(1);
-    EXPECT_EQ(gpu->isSecureContextSupportedByGpu(), 1U);
+    EXPECT_NUMBER(gpu->isSecureContextSupportedByGpu(), 1);
     EXPECT_THAT(gpu.take_calls(), ElementsAreArray(kSecureContextQuery));
     EXPECT_THAT(gpu.take_messages(), IsEmpty());
   }
@@ -127,7 +127,7 @@ TEST(SecureContext, LeavesTheIdentificationToOthers) {
   Gpu gpu(harness::full_chip(6).chip_id);
   gpu->isSecureContextSupportedByGpu();
   gpu.take_calls();
-  EXPECT_EQ(gpu->get_gpu_pixel_alignment(), 64U);
+  EXPECT_NUMBER(gpu->get_gpu_pixel_alignment(), 64);
   EXPECT_THAT(gpu.take_calls(), ElementsAreArray(kWholeQuery));
 }
 
@@ -139,7 +139,7 @@ TEST(SecureContext, FailuresLeaveTheIdentificationAlone) {
     gpu.take_calls();
     gpu.take_messages();
     hxl_sim_set_failures(0);
-    EXPECT_EQ(gpu->get_gpu_pixel_alignment(), 64U);
+    EXPECT_NUMBER(gpu->get_gpu_pixel_alignment(), 64);
     EXPECT_THAT(gpu.take_calls(), ElementsAreArray(kWholeQuery));
     EXPECT_THAT(gpu.take_messages(), IsEmpty());
   }
@@ -150,7 +150,7 @@ TEST(SecureContext, AsksAlsoAfterTheIdentification) {
   gpu->get_gpu_pixel_alignment();
   gpu.take_calls();
   hxl_sim_set_secure_context(3);
-  EXPECT_EQ(gpu->isSecureContextSupportedByGpu(), 3U);
+  EXPECT_NUMBER(gpu->isSecureContextSupportedByGpu(), 3);
   EXPECT_THAT(gpu.take_calls(), ElementsAreArray(kSecureContextQuery));
 }
 
