@@ -58,8 +58,8 @@ Json chip_json(const WholeChip& whole) {
           {"p016", model.p016},
           {"family5_sample_excluded", model.family5_sample_excluded},
           {"max_surface_pitch", model.max_surface_pitch},
-          {"padding_f", family.padding_f},
-          {"padding_g", model.padding_g}};
+          {"padding_f", family.extra_padding_units},
+          {"padding_g", model.extra_padding_factor}};
 }
 
 // The letter of what holds, a dot for what does not.
@@ -117,7 +117,7 @@ std::string chips_text() {
                    chip.supported ? "yes" : "no", column_marks(chip.columns), ubwc_marks(chip.ubwc),
                    model_marks(model),
                    model.max_surface_pitch != 0 ? fmt::format("{}", model.max_surface_pitch) : "-",
-                   fmt::format("{} x {}", family.padding_f, model.padding_g)});
+                   fmt::format("{} x {}", family.extra_padding_units, model.extra_padding_factor)});
   }
   return table.text() + legend();
 }

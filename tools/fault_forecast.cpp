@@ -22,7 +22,7 @@ bool divides_by_sample_tile(const korvel::ChipRow& chip, const SurfaceRequest& r
   if ((request.flags & LAYOUT_FLAG_UBWC) == 0 || !korvel::ubwc_supported(chip, request.format)) {
     return false;
   }
-  const korvel::SampleTile tile =
+  const korvel::Extent<korvel::Elements> tile =
       korvel::sample_tile_dims(chip.family_id, format, plane != 0, request.samples);
   return tile.width == 0 || tile.height == 0;
 }

@@ -63,7 +63,7 @@ void add_capabilities(Json& json, const Capabilities& can) {
 
 Json format_json(uint32_t format, bool with_capabilities) {
   const korvel::FormatRecord& record = korvel::format_record(format);
-  const korvel::BlockDims block = korvel::format_block_dims(format);
+  const korvel::Extent<korvel::Texels> block = korvel::format_block_dims(format);
   const std::string_view name = format_name(format);
   Json json = {{"id", format},
                {"name", name.empty() ? Json() : Json(name)},
@@ -93,7 +93,7 @@ void add_capability_cells(std::vector<std::string>& cells, const Capabilities& c
 
 std::vector<std::string> format_cells(uint32_t format, bool with_capabilities) {
   const korvel::FormatRecord& record = korvel::format_record(format);
-  const korvel::BlockDims block = korvel::format_block_dims(format);
+  const korvel::Extent<korvel::Texels> block = korvel::format_block_dims(format);
   const std::string_view name = format_name(format);
   std::vector<std::string> cells = {
       fmt::format("{}", format), name.empty() ? "-" : std::string(name),

@@ -279,7 +279,7 @@ TEST(InBytes, ATiledPlaneThatTheFormatLacksNeedsNoDivisorOnFamilies6And7) {
 TEST(InBytes, ExtraPaddingIsNotAskedFor) {
   const harness::ChipData& chip =
       harness::chip_where("padded extra", [](const harness::ChipData& c) {
-        return c.family_id == 6 && c.supported && harness::model_of(c).padding_g == 1;
+        return c.family_id == 6 && c.supported && harness::model_of(c).extra_padding_factor == 1;
       });
   const harness::Gpu gpu(chip.chip_id);
   // One tile of 64 x 16, x 4.

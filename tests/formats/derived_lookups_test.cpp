@@ -55,7 +55,7 @@ uint32_t texels_of(const BlockSize (&sizes)[N], uint32_t id) {
 
 TEST(BlockDimensions, OfEveryFormatAreThoseOfItsBlocks) {
   for (uint32_t id = 0; id < kTableIds; ++id) {
-    const korvel::BlockDims block = korvel::format_block_dims(id);
+    const korvel::Extent<korvel::Texels> block = korvel::format_block_dims(id);
     EXPECT_NUMBER(block.width, texels_of(kBlockWidths, id)) << "format " << id;
     EXPECT_NUMBER(block.height, texels_of(kBlockHeights, id)) << "format " << id;
   }
@@ -63,18 +63,18 @@ TEST(BlockDimensions, OfEveryFormatAreThoseOfItsBlocks) {
 
 TEST(BlockDimensions, AreCarriedByTheTraits) {
   for (uint32_t id = 0; id < kTableIds; ++id) {
-    EXPECT_NUMBER(korvel::format_traits(id).block_width, texels_of(kBlockWidths, id));
-    EXPECT_NUMBER(korvel::format_traits(id).block_height, texels_of(kBlockHeights, id));
+    EXPECT_NUMBER(korvel::format_traits(id).block.width, texels_of(kBlockWidths, id));
+    EXPECT_NUMBER(korvel::format_traits(id).block.height, texels_of(kBlockHeights, id));
   }
 }
 
 TEST(BlockDimensions, AreOneTexelForIdsWithoutARecord) {
   for (const uint32_t id : kIdsWithoutRecord) {
-    EXPECT_NUMBER(korvel::format_traits(id).block_width, 1);
-    EXPECT_NUMBER(korvel::format_traits(id).block_height, 1);
+    EXPECT_NUMBER(korvel::format_traits(id).block.width, 1);
+    EXPECT_NUMBER(korvel::format_traits(id).block.height, 1);
   }
-  EXPECT_NUMBER(korvel::format_traits(kFourCharacterCode).block_width, 1);
-  EXPECT_NUMBER(korvel::format_traits(kFourCharacterCode).block_height, 1);
+  EXPECT_NUMBER(korvel::format_traits(kFourCharacterCode).block.width, 1);
+  EXPECT_NUMBER(korvel::format_traits(kFourCharacterCode).block.height, 1);
 }
 
 // ------------------------------------------------------------------------------------------------

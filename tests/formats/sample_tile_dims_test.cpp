@@ -43,7 +43,7 @@ std::string describe(const Request& r) {
 }
 
 Tile tile_of(const Request& r) {
-  const korvel::SampleTile tile =
+  const korvel::Extent<korvel::Elements> tile =
       korvel::sample_tile_dims(r.family, korvel::format_traits(r.format), r.half_width, r.samples);
   return {tile.width, tile.height};
 }

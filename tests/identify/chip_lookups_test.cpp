@@ -4,7 +4,7 @@
 
 #include <climits>
 
-#include "align/is_supported_chip.h"
+#include "align/entries.h"
 #include "identify/chip_properties.h"
 #include "identify/gpu_identity.h"
 #include "simulator/hxl_sim.h"

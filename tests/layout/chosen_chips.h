@@ -21,7 +21,7 @@ inline const harness::ChipData& chip_lacking(bool korvel::ChipColumns::*column,
 inline uint32_t padding_units(const harness::ChipData& chip) {
   for (const korvel::FamilyData& family : korvel::kFamilyData) {
     if (family.family_id == chip.family_id) {
-      return family.padding_f * harness::model_of(chip).padding_g;
+      return family.extra_padding_units * harness::model_of(chip).extra_padding_factor;
     }
   }
   return 0;

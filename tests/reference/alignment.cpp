@@ -208,7 +208,7 @@ uint32_t base_aligned_width_family67(uint32_t width, uint32_t plane, uint32_t sa
 }
 
 uint32_t extra_padding_units(const Process& process) {
-  return facts(process).padding_f * facts(process).padding_g;
+  return facts(process).extra_padding_units * facts(process).extra_padding_factor;
 }
 
 }  // namespace

@@ -32,9 +32,9 @@ reference::ChipFacts facts_of(const korvel::ChipData& chip) {
   facts.p016 = model.p016;
   facts.family5_sample_excluded = model.family5_sample_excluded;
   facts.max_surface_pitch = model.max_surface_pitch;
-  facts.padding_g = model.padding_g;
+  facts.extra_padding_factor = model.extra_padding_factor;
   for (const korvel::FamilyData& family : korvel::kFamilyData) {
-    if (family.family_id == chip.family_id) facts.padding_f = family.padding_f;
+    if (family.family_id == chip.family_id) facts.extra_padding_units = family.extra_padding_units;
   }
   return facts;
 }

@@ -52,9 +52,9 @@ struct ChipFacts {
   bool family5_sample_excluded = false;
   int32_t max_surface_pitch = 0;  // elements, 0 when the model is not listed
 
-  // The extra padding counts in padding_f * padding_g units.
-  uint32_t padding_f = 0;  // by family
-  uint32_t padding_g = 0;  // by model code
+  // The extra padding counts in extra_padding_units * extra_padding_factor.
+  uint32_t extra_padding_units = 0;  // by family
+  uint32_t extra_padding_factor = 0;  // by model code
 };
 
 // What the services library answers. The default is a device that works and cannot do secure

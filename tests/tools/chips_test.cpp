@@ -59,7 +59,7 @@ TEST(Chips, JsonHoldsTheRows) {
     EXPECT_EQ(chip.at("ubwc_yuv16"), row.ubwc.yuv16);
     expect_word(chip, "max_surface_pitch",
                 static_cast<uint64_t>(harness::model_of(row).max_surface_pitch));
-    expect_word(chip, "padding_g", harness::model_of(row).padding_g);
+    expect_word(chip, "padding_g", harness::model_of(row).extra_padding_factor);
     EXPECT_EQ(chip.at("p016"), harness::model_of(row).p016);
   }
 }

@@ -161,7 +161,7 @@ TEST(Show, ExtraPadding) {
   const auto& chip = harness::chip_where("of one padding unit", [](const auto& candidate) {
     return candidate.family_id == 6 && candidate.supported &&
            harness::in_every_column(candidate.columns) &&
-           harness::model_of(candidate).padding_g == 1;
+           harness::model_of(candidate).extra_padding_factor == 1;
   });
   const json shown = json_of(show_on(chip.chip_id, "--format 28 --size 64x16 --extra --extended"));
   expect_words(shown.at("layout").at("level").at(0).at("plane").at(0),
