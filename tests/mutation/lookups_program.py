@@ -9,9 +9,9 @@ from library_build import FLAGS
 class LookupsProgram:
     def __init__(self, build):
         self.build = build
-        self.program = build.folder / "lookups"
+        self.program = build.folder / "lookups_test"
         text = (build.root / "tests/formats/CMakeLists.txt").read_text()
-        inside = re.search(r"korvel_test\(lookups(.*?)\)\n", text, re.S).group(1)
+        inside = re.search(r"korvel_test\(lookups_test(.*?)\)\n", text, re.S).group(1)
         self.sources = []
         for name in inside.split():
             if name.startswith("${PROJECT_SOURCE_DIR}/"):

@@ -102,8 +102,8 @@ class Worker:
         rebuilt = self.lookups.rebuilt(change.file)
         if rebuilt is False:
             return "refused", "compiler"
-        if rebuilt and not self.programs.passes("lookups", self.lookups.program):
-            return "killed", "lookups"
+        if rebuilt and not self.programs.passes("lookups_test", self.lookups.program):
+            return "killed", "lookups_test"
         if same_code:
             return "same code", ""
         if self.equivalents.reason(change):

@@ -6,8 +6,15 @@ import subprocess
 import time
 from collections import Counter
 
-QUICK = ["formats", "identify", "align_test", "layout_test", "validation_test", "digest"]
-SLOW = ["reference_comparison"]
+QUICK = [
+    "formats_test",
+    "identify_test",
+    "align_test",
+    "layout_test",
+    "validation_test",
+    "digest_test",
+]
+SLOW = ["reference_test"]
 
 
 # Crashes are answers here. Inherited by everything that is run.
