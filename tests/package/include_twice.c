@@ -1,5 +1,6 @@
 /* Compiled as C and as C++: the header stands alone, may be included twice, and uses no extension. */
-/* clang-format off: it would take the second of the two away. */
+/* The formatter would take the second of the two away. */
+/* clang-format off */
 #include <korvel_utils.h>
 #include <korvel_utils.h>
 /* clang-format on */
