@@ -21,7 +21,8 @@
  *                   four-byte formats, 133-187 the ASTC formats, 501-686 and 709-721 the library's
  *                   own. A number below 722 that is not in use is a one-byte single-plane format.
  *                   A number of 722 or more has no record: the predicates answer 0 for it, the
- *                   alignment entries treat it as a one-byte single-plane format.
+ *                   alignment entries treat it as a one-byte single-plane format; the pitches of
+ *                   one of these, the four-character code 0x37425857 ("WXB7"), are never padded.
  *   block format    a block-compressed format: 70-84, 94-99, the ASTC formats, 568-609, 626-645,
  *                   681 and 682.
  *   packed format   one of 68, 69, 107, 614, 617, 618 and 654-656: not compressed, but its linear
