@@ -633,8 +633,8 @@ KORVEL_API uint64_t KORVEL_CALL korvel_get_aligned_gpu_buffer_size(const void* b
  * or under its own name "Invalid plane count %u"; each is followed, under its own name, by
  *   "Memory Layout input parameter validation failed!"
  * When the arguments pass, those of compute_fmt_aligned_width_and_height_fdm() under its name: an
- * unsupported chip once for each plane, and a block format whose width near 2^31 does not fit after
- * rounding.
+ * unsupported chip once for each plane of each level, and a block format whose width near 2^31 does
+ * not fit after rounding.
  *
  * Left unwritten: reserved_60, every padding word, levels beyond the first, planes beyond `planes`,
  * the flag words but flag_valid of a plane without a flag buffer, the LRZ words but the two valid
