@@ -20,7 +20,9 @@ endif()
 add_compile_options(-Wall -Wextra -Wconversion -Wshadow -Werror)
 
 if(KORVEL_SANITIZE)
-  add_compile_options(-fsanitize=${KORVEL_SANITIZE} -fno-sanitize-recover=all
-                      -fno-omit-frame-pointer)
+  add_compile_options(
+    -fsanitize=${KORVEL_SANITIZE}
+    -fno-sanitize-recover=all
+    -fno-omit-frame-pointer)
   add_link_options(-fsanitize=${KORVEL_SANITIZE})
 endif()

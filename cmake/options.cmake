@@ -1,3 +1,5 @@
+# What is built, and how.
+
 option(KORVEL_TOOLS "Build korvel-layout" ON)
 option(KORVEL_TESTS "Build the tests" ON)
 option(KORVEL_BUNDLE_TOOL "Compile the tool's sources in two bundles" ON)

@@ -1,6 +1,7 @@
-# What `cmake --install` and `cpack` hand to users of the library: the header, the library, and what
-# CMake and pkg-config need to find them. The services library is the driver's and in no package; the
-# stand-in for it is a component of its own that is installed only when it is asked for by name.
+# What `cmake --install` and `cpack` hand to users of the library: the header, the library, and what CMake and
+# pkg-config need to find them. The services library is the driver's and in no package; the stand-in for it is a
+# component of its own that is installed only when it is asked for by name.
+
 include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
 
@@ -11,7 +12,9 @@ if(WIN32)
 else()
   # The same objects, for programs that would rather not carry one more file.
   add_library(korvel_utils_static STATIC $<TARGET_OBJECTS:korvel_utils>)
-  set_target_properties(korvel_utils_static PROPERTIES OUTPUT_NAME korvel_utils LINKER_LANGUAGE C)
+  set_target_properties(korvel_utils_static PROPERTIES
+    OUTPUT_NAME korvel_utils
+    LINKER_LANGUAGE C)
   install(TARGETS korvel_utils_static)
 
   set(library_file ${CMAKE_INSTALL_LIBDIR}/libkorvel_utils.so)
@@ -19,11 +22,13 @@ else()
   set(static_library_file ${CMAKE_INSTALL_LIBDIR}/libkorvel_utils.a)
 
   # The driver's installer may put the services beside the library; elsewhere the system finds them.
-  set_target_properties(korvel_utils PROPERTIES INSTALL_RPATH $ORIGIN BUILD_WITH_INSTALL_RPATH ON)
+  set_target_properties(korvel_utils PROPERTIES
+    INSTALL_RPATH $ORIGIN
+    BUILD_WITH_INSTALL_RPATH ON)
   install(TARGETS hxluser COMPONENT simulator EXCLUDE_FROM_ALL)
 endif()
 install(TARGETS korvel_utils)
-install(FILES ${PROJECT_SOURCE_DIR}/include/korvel_utils.h TYPE INCLUDE)
+install(FILES ${KORVEL_HEADER} TYPE INCLUDE)
 
 # Written by hand: a generated one would name the services library, which is in no package.
 set(package_folder ${CMAKE_INSTALL_LIBDIR}/cmake/korvel_utils)
@@ -31,15 +36,27 @@ configure_package_config_file(
   ${CMAKE_CURRENT_LIST_DIR}/package/korvel_utils-config.cmake.in
   ${PROJECT_BINARY_DIR}/korvel_utils-config.cmake
   INSTALL_DESTINATION ${package_folder}
-  PATH_VARS CMAKE_INSTALL_INCLUDEDIR library_file import_library_file static_library_file)
-write_basic_package_version_file(${PROJECT_BINARY_DIR}/korvel_utils-config-version.cmake
-                                 COMPATIBILITY SameMajorVersion)
-install(FILES ${PROJECT_BINARY_DIR}/korvel_utils-config.cmake
-              ${PROJECT_BINARY_DIR}/korvel_utils-config-version.cmake DESTINATION ${package_folder})
+  PATH_VARS
+    CMAKE_INSTALL_INCLUDEDIR
+    library_file
+    import_library_file
+    static_library_file)
+write_basic_package_version_file(
+  ${PROJECT_BINARY_DIR}/korvel_utils-config-version.cmake
+  COMPATIBILITY SameMajorVersion)
+install(
+  FILES
+    ${PROJECT_BINARY_DIR}/korvel_utils-config.cmake
+    ${PROJECT_BINARY_DIR}/korvel_utils-config-version.cmake
+  DESTINATION ${package_folder})
 
-configure_file(${CMAKE_CURRENT_LIST_DIR}/package/korvel_utils.pc.in
-               ${PROJECT_BINARY_DIR}/korvel_utils.pc @ONLY)
-install(FILES ${PROJECT_BINARY_DIR}/korvel_utils.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+configure_file(
+  ${CMAKE_CURRENT_LIST_DIR}/package/korvel_utils.pc.in
+  ${PROJECT_BINARY_DIR}/korvel_utils.pc
+  @ONLY)
+install(
+  FILES ${PROJECT_BINARY_DIR}/korvel_utils.pc
+  DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 
 if(WIN32)
   install(FILES ${PROJECT_BINARY_DIR}/lib/korvel_utils.def TYPE LIB)

@@ -1,4 +1,5 @@
-# Sourced by the other scripts: installs the Debian packages that a step needs and does not find.
+# Sourced by the other scripts: installs the Debian packages that a step needs and does not find, and runs commands
+# that speak only when they fail.
 
 build_packages=(g++ cmake ninja-build libcli11-dev libfmt-dev nlohmann-json3-dev)
 test_packages=(clang libclang-rt-14-dev clang-format clang-tidy libgtest-dev libgmock-dev

@@ -1,7 +1,16 @@
-# Sourced by scripts/test: runs the tests of presets, and puts the results of all of them in one table.
+# Sourced by scripts/test: runs its steps, says how long each took, and puts the results of all tests in one table.
 
 results=$(mktemp -d)
 trap 'rm -rf "$results"' EXIT
+
+# step NAME COMMAND...: a failure of the command ends the script.
+step() {
+  local name=$1 start=$SECONDS
+  shift
+  echo "== $name"
+  "$@"
+  echo "   $((SECONDS - start)) s"
+}
 
 # Adds the row of a finished run: its tests, those that failed, its seconds.
 note_result() {
@@ -16,14 +25,14 @@ note_result() {
 
 # run_tests PRESET TARGET: a failure ends the script, with ctest's summary as its last words.
 run_tests() {
-  echo "== $1"
+  echo "== test $1"
   ctest --preset "$1" --progress | tee "$results/log"
   note_result "$2" "$results/log"
 }
 
 # The same, with the table of all runs in front of ctest's summary.
 run_tests_last() {
-  echo "== $1"
+  echo "== test $1"
   if ! ctest --preset "$1" --progress >"$results/log"; then
     cat "$results/log"
     exit 1

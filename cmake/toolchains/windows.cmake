@@ -21,7 +21,7 @@ set(CMAKE_TRY_COMPILE_TARGET_TYPE STATIC_LIBRARY)
 
 set(CMAKE_C_FLAGS_INIT "-isystem /usr/share/mingw-w64/include")
 set(CMAKE_CXX_FLAGS_INIT
-    "-nostdinc++ -isystem /usr/lib/llvm-19/include/c++/v1 -isystem /usr/share/mingw-w64/include")
+  "-nostdinc++ -isystem /usr/lib/llvm-19/include/c++/v1 -isystem /usr/share/mingw-w64/include")
 
 # Chosen by the instruction counts of scripts/bench: rules that are written as many small functions become one again
 # where an entry calls them.

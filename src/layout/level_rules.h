@@ -30,7 +30,6 @@ struct LevelPlace {
     return false;                              \
   } while (false)
 
-// clang-format off: a message stands on one line.
 
 // The messages call the height and the width that an image covers by the record's own names.
 template <typename Kind>
@@ -225,7 +224,6 @@ bool level_passes(const unsigned char* stored, uint32_t level, const CheckedHead
   }
   return true;
 }
-// clang-format on
 
 #undef KORVEL_REFUSE
 

@@ -112,7 +112,7 @@ class LibraryBuild:
         """Links the library with `changed` objects, by source, in the place of its own."""
         objects = list(changed.values())
         objects += [self.object(s) for s in self.sources if s not in changed]
-        exports = self.root / "src/exports.map"
+        exports = self.built / "exports/korvel_utils.map"
         self._run(
             ["gcc", "-shared", "-o", str(self.library), *map(str, objects)]
             + [f"-Wl,--version-script={exports}", "-Wl,-z,defs", f"-L{self.lib}", "-lhxluser"]

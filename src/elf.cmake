@@ -1,0 +1,17 @@
+# How korvel_utils is linked on ELF systems.
+
+set(version_script ${PROJECT_BINARY_DIR}/exports/korvel_utils.map)
+
+set_target_properties(korvel_utils PROPERTIES
+  LINKER_LANGUAGE C # asks for no C++ run-time library
+  LINK_DEPENDS ${version_script})
+target_link_options(korvel_utils PRIVATE -Wl,--version-script=${version_script})
+if(NOT KORVEL_SANITIZE)
+  target_link_options(korvel_utils PRIVATE
+    -Wl,-z,defs
+    -Wl,--gc-sections
+    -Wl,-O1
+    # Drops the C++ run-time libraries that CMake adds for sources in C++: not one symbol of theirs is used.
+    -Wl,--as-needed)
+endif()
+target_link_libraries(korvel_utils PRIVATE hxluser)
