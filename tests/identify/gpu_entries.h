@@ -17,8 +17,7 @@ struct GpuEntry {
   // names the chip's id, or else the family.
   std::vector<const char*> chip_reporters;
   bool reports_family = false;
-  // How often one call asks for the GPU while it stays unidentified: once for each chip property that
-  // it looks up by itself.
+  // How often one call asks for the GPU while it stays unidentified.
   int questions = 1;
 };
 
