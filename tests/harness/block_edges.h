@@ -15,17 +15,18 @@ inline constexpr uint32_t kBlockHeights[] = {1, 3, 4, 5, 6, 8, 10, 12};
 // Rows that the rules for extra padding can add.
 inline constexpr uint32_t kExtraRows[] = {0, 16, 32, 48, 96, 128, 256};
 
-// Two formats at least of every block height. Of those without blocks, some whose tiles have 32
-// rows, and two-plane ones.
-inline constexpr uint32_t kFormatsOfEveryBlockHeight[] = {
-    28,  49,  61,  103, 107, 654, 655, 660, 670,  //  1 row
-    626, 637,                                     //  3 rows: 3 x 3, 4 x 3
-    71,  98,  138,                                //  4 rows: 4 x 4, 4 x 4, 5 x 4
-    142, 570, 571, 154, 590,                      //  5 rows: 5 x 5, 5 x 5, 6 x 5, 8 x 5, 10 x 5
-    150, 158, 170,                                //  6 rows: 6 x 6, 8 x 6, 10 x 6
-    162, 174,                                     //  8 rows: 8 x 8, 10 x 8
-    178, 182,                                     // 10 rows: 10 x 10, 12 x 10
-    186, 581,                                     // 12 rows: 12 x 12
+struct BlockFormat {
+  uint32_t format;
+  uint32_t block_height;
+};
+
+// Two formats at least of every block height, one at least of every block width with it. Of those
+// without blocks, some whose tiles have 32 rows, and some of two planes.
+inline constexpr BlockFormat kBlockFormats[] = {
+    {28, 1},  {49, 1},  {61, 1},  {103, 1},  {107, 1},  {654, 1},  {655, 1},
+    {660, 1}, {670, 1}, {626, 3}, {637, 3},  {71, 4},   {98, 4},   {138, 4},
+    {142, 5}, {570, 5}, {571, 5}, {154, 5},  {590, 5},  {150, 6},  {158, 6},
+    {170, 6}, {162, 8}, {174, 8}, {178, 10}, {182, 10}, {186, 12}, {581, 12},
 };
 
 // Counts of blocks of `block` texels, below 2^31, to which a rule adds `added` blocks first: those
