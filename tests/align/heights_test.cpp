@@ -438,7 +438,7 @@ TEST(Heights, BlocksOfFiveRowsPastTwoToThe31) {
   EXPECT_EQ(minimal(gpu, r).height, 0xE666666Du);
 }
 
-// By a mask, whatever the sign: 0x7FFFFFFF + 63, and that with 32 rows more, lose their last 6 bits.
+// By a mask, whatever the sign: 0x7FFFFFFF + 63, or that with 32 rows more, less the last 6 bits.
 TEST(Heights, Format670IsRoundedUnsignedWhenLinear) {
   for (const uint32_t family_id : {6u, 7u}) {
     const harness::Gpu gpu(chip_with_32_extra_rows(family_id).chip_id);
