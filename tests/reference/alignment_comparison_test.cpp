@@ -153,12 +153,11 @@ TEST_P(AlignmentSweep, AgreesForEveryFormat) {
         for (const uint32_t plane : {0U, 1U, 2U, 3U}) {
           const int32_t width = kWidths[(format + samples + plane) % std::size(kWidths)];
           const int32_t height = kWidths[(format * 7 + samples + tiling_mode) % std::size(kWidths)];
-          for (const int32_t min_padded_row_bytes : {512, 0}) {
-            compare_alignments(pair, trap,
-                               {width, height, plane, format, samples, tiling_mode, samples % 3,
-                                plane % 3, min_padded_row_bytes, 1U << plane, 1},
-                               counts);
-          }
+          const int32_t min_padded_row_bytes = (format + plane) % 2 == 0 ? 512 : 0;
+          compare_alignments(pair, trap,
+                             {width, height, plane, format, samples, tiling_mode, samples % 3,
+                              plane % 3, min_padded_row_bytes, 1U << plane, samples % 2},
+                             counts);
         }
       }
     }
