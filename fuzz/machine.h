@@ -1,5 +1,5 @@
 // The machines that the targets run on: a copy of the library for each kind of chip that the rules
-// tell apart, with the second statement of the rules for the same chip beside it.
+// tell apart, with the independent reimplementation of the rules for the same chip beside it.
 #pragma once
 
 #include <cstdint>

@@ -3,6 +3,7 @@
 
 #include "tests/digest/format_groups.h"
 #include "tests/digest/line.h"
+#include "tests/harness/block_edges.h"
 #include "tests/harness/chips.h"
 #include "tests/harness/fault_trap.h"
 
@@ -82,6 +83,30 @@ void add_chip(Lines& lines, const std::string& chip, uint32_t chip_id) {
   for (const FormatGroup& group : kFormatGroups) {
     Line line("align by format, " + chip + ", formats " + group.name);
     for (const uint32_t format : formats_of(group)) add_format(line, trap, gpu, format);
+    line.add_messages(gpu);
+    lines.push_back(line);
+  }
+}
+
+// Widths and heights where the texels of blocks wrap 32 bits or change their sign, by block height,
+// with every number of rows that extra padding can add.
+void add_block_wraps(Lines& lines, const std::string& chip, uint32_t chip_id) {
+  Gpu gpu(chip_id);
+  harness::FaultTrap trap;
+  for (const uint32_t block_height : harness::kBlockHeights) {
+    Line line("sizes that wrap, " + chip + ", blocks of height " + std::to_string(block_height));
+    for (const harness::BlockFormat& block : harness::kBlockFormats) {
+      if (block.block_height != block_height) continue;
+      for (const uint32_t extra_rows : harness::kExtraRows) {
+        for (const int32_t size : harness::block_wrap_edges(block_height, extra_rows)) {
+          for (const uint32_t tiling_mode : {0U, 1U}) {
+            add_answers(line, trap, gpu,
+                        {size, size, 0, block.format, 1, tiling_mode, tiling_mode, 1, 512, 1,
+                         extra_rows == 0 ? 0U : 1U});
+          }
+        }
+      }
+    }
     line.add_messages(gpu);
     lines.push_back(line);
   }
@@ -173,6 +198,7 @@ void add_alignment_lines(Lines& lines) {
     const uint32_t chip_id = harness::full_chip(family_id).chip_id;
     const std::string name = "family " + std::to_string(family_id);
     add_chip(lines, name, chip_id);
+    add_block_wraps(lines, name, chip_id);
     add_pitches(lines, name, chip_id);
   }
   add_every_chip(lines);

@@ -47,6 +47,25 @@ void add_failures(Lines& lines) {
   lines.push_back(line);
 }
 
+// Each of the two properties asks for the GPU as long as the chip is not identified: the services
+// cannot be opened, or the device reports the number that means so.
+void add_unidentified_slice_pitch(Lines& lines) {
+  Line line("slice pitch alignment, chip not identified");
+  harness::FaultTrap trap;
+  for (const uint32_t chip_id : {harness::full_chip(6).chip_id, 0xFFFFFFFFU}) {
+    Gpu gpu(chip_id, chip_id == 0xFFFFFFFFU ? 0U : HXL_SIM_FAIL_LIBRARY_OPEN);
+    for (const uint32_t mode : {0U, 1U, 2U}) {
+      uint32_t alignment = 0;
+      const bool answered = trap.answers([&] { alignment = gpu->get_slice_pitch_alignment(mode); });
+      line.add(answered ? alignment : kFault);
+      line.add_messages(gpu);
+      for (const std::string& call : gpu.take_calls()) line.add_bytes(call.data(), call.size());
+      line.end_case();
+    }
+  }
+  lines.push_back(line);
+}
+
 void add_uuids(Lines& lines) {
   Line line("UUIDs");
   Gpu gpu(harness::full_chip(6).chip_id);
@@ -76,6 +95,7 @@ void add_uuids(Lines& lines) {
 void add_identity_lines(Lines& lines) {
   add_every_chip(lines);
   add_failures(lines);
+  add_unidentified_slice_pitch(lines);
   add_uuids(lines);
 }
 

@@ -2,6 +2,7 @@
 
 #include "tests/digest/format_groups.h"
 #include "tests/digest/line.h"
+#include "tests/harness/block_edges.h"
 #include "tests/harness/chips.h"
 #include "tests/harness/fault_trap.h"
 
@@ -95,6 +96,24 @@ void add_family(Lines& lines, uint32_t family_id) {
   }
 }
 
+// Heights where the texels of blocks wrap 32 bits or change their sign.
+void add_block_wraps(Lines& lines, uint32_t family_id) {
+  Gpu gpu(harness::full_chip(family_id).chip_id);
+  harness::FaultTrap trap;
+  Line line("single level and mip chain, heights that wrap, family " + std::to_string(family_id));
+  for (const harness::BlockFormat& block : harness::kBlockFormats) {
+    for (const int32_t height : harness::block_wrap_edges(block.block_height, 0)) {
+      for (const uint32_t tiling_mode : {0U, 1U}) {
+        const Case c = {100, height, 1, block.format, 1, tiling_mode, 0, 1, 3};
+        add_single_level(line, trap, gpu, c);
+        add_mip_chain(line, trap, gpu, c);
+      }
+    }
+  }
+  line.add_messages(gpu);
+  lines.push_back(line);
+}
+
 void add_every_chip(Lines& lines) {
   Line line("single level and mip chain, every chip and an unknown one");
   harness::FaultTrap trap;
@@ -119,7 +138,10 @@ void add_every_chip(Lines& lines) {
 }  // namespace
 
 void add_layout_lines(Lines& lines) {
-  for (const uint32_t family_id : {5U, 6U, 7U}) add_family(lines, family_id);
+  for (const uint32_t family_id : {5U, 6U, 7U}) {
+    add_family(lines, family_id);
+    add_block_wraps(lines, family_id);
+  }
   add_every_chip(lines);
 }
 

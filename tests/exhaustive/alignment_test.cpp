@@ -6,17 +6,17 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/exhaustive/alignment_call.h"
 #include "tests/exhaustive/scale.h"
 #include "tests/harness/chips.h"
 #include "tests/harness/edges.h"
+#include "tests/reference/alignment_call.h"
 
 namespace {
 
+using comparison::AlignmentCall;
+using comparison::compare_alignments;
+using comparison::Counts;
 using comparison::Pair;
-using exhaustive::AlignmentCall;
-using exhaustive::compare_alignments;
-using exhaustive::Counts;
 using exhaustive::format_stride;
 
 constexpr int32_t kThresholds[] = {512, 0, -1, 0x7FFFFFFF, 4096};

@@ -2,6 +2,10 @@
 
 #include <cstdlib>
 #include <cstring>
+#include <set>
+
+#include "tests/harness/block_edges.h"
+#include "tests/harness/edges.h"
 
 namespace exhaustive {
 
@@ -12,6 +16,14 @@ bool is_full() {
 
 uint32_t format_stride() {
   return is_full() ? 1 : KORVEL_EXHAUSTIVE_STRIDE;
+}
+
+std::vector<uint32_t> formats_of_every_block_height() {
+  std::set<uint32_t> formats;
+  const std::vector<uint32_t> all = harness::format_edges();
+  for (std::size_t i = 0; i < all.size(); i += format_stride()) formats.insert(all[i]);
+  for (const harness::BlockFormat& block : harness::kBlockFormats) formats.insert(block.format);
+  return {formats.begin(), formats.end()};
 }
 
 }  // namespace exhaustive

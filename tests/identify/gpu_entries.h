@@ -19,6 +19,8 @@ struct GpuEntry {
   // names the chip's id, or else the family.
   std::vector<const char*> chip_reporters;
   bool reports_family = false;
+  // How often one call asks for the GPU while it stays unidentified.
+  int questions = 1;
 };
 
 inline constexpr uint32_t kRgba8 = formats_test::kRgba8;
@@ -138,7 +140,7 @@ inline const std::vector<GpuEntry>& gpu_entries() {
 #define CALL(name) #name, calls::name
   static const std::vector<GpuEntry> entries = {
       {CALL(get_gpu_pixel_alignment), {}},
-      {CALL(get_slice_pitch_alignment), {}},
+      {CALL(get_slice_pitch_alignment), {}, false, 2},
       {CALL(isFormatRenderableByGpu), {"isFormatRenderableByGpu"}, true},
       {CALL(isFormatSampleableByGpu), {"isFormatSampleableByGpu"}, true},
       {CALL(isUBWCSupportedByGpu), {}},
@@ -174,6 +176,14 @@ inline std::vector<harness::Message> joined(std::vector<harness::Message> first,
                                             const std::vector<harness::Message>& second) {
   first.insert(first.end(), second.begin(), second.end());
   return first;
+}
+
+// What one question brings, as often as it is asked.
+template <typename T>
+std::vector<T> repeated(int times, const std::vector<T>& once) {
+  std::vector<T> all;
+  for (int i = 0; i < times; ++i) all.insert(all.end(), once.begin(), once.end());
+  return all;
 }
 
 // Calls to the services in every outcome of an identification.

@@ -7,6 +7,7 @@
 #include <iterator>
 
 #include "tests/harness/chips.h"
+#include "tests/harness/fault_trap.h"
 #include "tests/harness/gpu.h"
 #include "tests/identify/gpu_entries.h"
 
@@ -46,22 +47,32 @@ void expect_known_as_unknown(Gpu& gpu, const GpuEntry& entry, uint32_t chip_id) 
   EXPECT_THAT(gpu.take_messages(), ElementsAreArray(own_messages(entry, chip_id)));
 }
 
-// One call of an entry that has to identify the GPU and finds no row for the chip.
-void expect_unknown_chip_found(Gpu& gpu, const GpuEntry& entry, uint32_t chip_id,
-                               const std::vector<std::string>& calls) {
+// One call of an entry that asks for the GPU `questions` times: what each question brings, and then
+// the entry's own messages.
+void expect_questions(Gpu& gpu, const GpuEntry& entry, int questions, uint32_t chip_id,
+                      const std::vector<std::string>& calls, const std::vector<Message>& messages) {
   SCOPED_TRACE(entry.name);
   entry.call(gpu.library());
-  EXPECT_THAT(gpu.take_calls(), ElementsAreArray(calls));
-  EXPECT_THAT(gpu.take_messages(), ElementsAreArray(joined(harness::unknown_chip_messages(chip_id),
+  EXPECT_THAT(gpu.take_calls(), ElementsAreArray(repeated(questions, calls)));
+  EXPECT_THAT(gpu.take_messages(), ElementsAreArray(joined(repeated(questions, messages),
                                                            own_messages(entry, chip_id))));
 }
 
+// One call of an entry that has to identify the GPU and finds no row for the chip.
+void expect_unknown_chip_found(Gpu& gpu, const GpuEntry& entry, uint32_t chip_id,
+                               const std::vector<std::string>& calls) {
+  expect_questions(gpu, entry, 1, chip_id, calls, harness::unknown_chip_messages(chip_id));
+}
+
+// The device answers with the number that means "not identified yet".
+void expect_unidentified_chip_found(Gpu& gpu, const GpuEntry& entry) {
+  expect_questions(gpu, entry, entry.questions, kNotIdentified, kWholeQuery,
+                   harness::unknown_chip_messages(kNotIdentified));
+}
+
 void expect_library_missing(Gpu& gpu, const GpuEntry& entry) {
-  SCOPED_TRACE(entry.name);
-  entry.call(gpu.library());
-  EXPECT_THAT(gpu.take_calls(), ElementsAreArray(kQueryWithoutLibrary));
-  EXPECT_THAT(gpu.take_messages(), ElementsAreArray(joined(library_open_messages(),
-                                                           own_messages(entry, kNotIdentified))));
+  expect_questions(gpu, entry, entry.questions, kNotIdentified, kQueryWithoutLibrary,
+                   library_open_messages());
 }
 
 void expect_identified_now(Gpu& gpu, const GpuEntry& entry) {
@@ -206,11 +217,42 @@ TEST(Identification, DeviceThatReportsTheUnidentifiedChipIdIsAskedAgain) {
   for (const GpuEntry& entry : gpu_entries()) {
     SCOPED_TRACE(entry.name);
     Gpu gpu(kNotIdentified);
-    expect_unknown_chip_found(gpu, entry, kNotIdentified, kWholeQuery);
-    expect_unknown_chip_found(gpu, entry, kNotIdentified, kWholeQuery);
+    expect_unidentified_chip_found(gpu, entry);
+    expect_unidentified_chip_found(gpu, entry);
     hxl_sim_set_chip(known_chip());
     expect_identified_now(gpu, entry);
     expect_silent_and_known(gpu, entry);
+  }
+}
+
+// Its two properties ask one after the other, in every mode. The division by 0 of the linear modes
+// on a chip without properties comes after both.
+TEST(Identification, SlicePitchAlignmentAsksForEachOfItsTwoProperties) {
+  struct Unidentified {
+    uint32_t chip_id;
+    uint32_t failures;
+    std::vector<std::string> calls;
+    std::vector<Message> messages;
+  };
+  const Unidentified kMachines[] = {
+      {known_chip(), HXL_SIM_FAIL_LIBRARY_OPEN, kQueryWithoutLibrary, library_open_messages()},
+      {kNotIdentified, 0, kWholeQuery, harness::unknown_chip_messages(kNotIdentified)},
+  };
+  for (const Unidentified& machine : kMachines) {
+    Gpu gpu(machine.chip_id, machine.failures);
+    harness::FaultTrap trap;
+    for (const uint32_t tiling_mode : {0U, 1U, 2U}) {
+      SCOPED_TRACE(tiling_mode);
+      uint32_t alignment = 7;
+      const bool answered =
+          trap.answers([&] { alignment = gpu->get_slice_pitch_alignment(tiling_mode); });
+      EXPECT_EQ(answered, tiling_mode == 1);
+      if (answered) {
+        EXPECT_EQ(alignment, 0U);
+      }
+      EXPECT_THAT(gpu.take_calls(), ElementsAreArray(repeated(2, machine.calls)));
+      EXPECT_THAT(gpu.take_messages(), ElementsAreArray(repeated(2, machine.messages)));
+    }
   }
 }
 
@@ -220,7 +262,7 @@ TEST(Identification, FailuresInSequenceEndWithTheFirstAnswer) {
   expect_library_missing(gpu, entry);
   hxl_sim_set_failures(0);
   hxl_sim_set_chip(kNotIdentified);
-  expect_unknown_chip_found(gpu, entry, kNotIdentified, kWholeQuery);
+  expect_unidentified_chip_found(gpu, entry);
   hxl_sim_set_failures(HXL_SIM_FAIL_GETINFO);
   expect_unknown_chip_found(gpu, entry, 0, kWholeQuery);
   hxl_sim_set_failures(0);

@@ -1,5 +1,5 @@
-// How wide and how high a plane becomes, by family. Widths and heights are unsigned and wrap; where
-// a rule looks at a sign it says so.
+// How wide and how high a plane becomes, by family. Everything wraps. Numbers are unsigned, but for
+// the rules that say that they count in signed numbers.
 #include "rules.h"
 
 namespace reference {
@@ -271,6 +271,8 @@ uint32_t align_width_family67(const Process& process, uint32_t width, uint32_t p
   return pad_pitch_family67(process, b, e, selector);
 }
 
+// Rows of blocks. The last step counts in signed numbers: the rows of texels may wrap below 0, and
+// so may the whole tiles of them. What is negative then stays negative when it is divided.
 uint32_t align_height_family67(uint32_t height, uint32_t plane, uint32_t samples, uint32_t format,
                                uint32_t tiling_mode, uint32_t extra_rows) {
   const Dimensions block = format_block_dims(format);
@@ -283,13 +285,15 @@ uint32_t align_height_family67(uint32_t height, uint32_t plane, uint32_t samples
       a = block.height;
     }
   }
-  uint32_t r = (height + extra_rows) * block.height;
-  if (static_cast<int32_t>(r) > 0) {
-    r = round_up_to_multiple(r, a);
+  const int32_t step = static_cast<int32_t>(a);
+  int32_t r = static_cast<int32_t>((height + extra_rows) * block.height);
+  if (r > 0) {
+    const int32_t steps_before = divide_signed(r - 1, step);
+    r = static_cast<int32_t>(a + static_cast<uint32_t>(steps_before) * a);
   } else {
-    r = a;
+    r = step;
   }
-  return divide(r, block.height);
+  return static_cast<uint32_t>(divide_signed(r, static_cast<int32_t>(block.height)));
 }
 
 uint32_t extra_width_padding(const Process& process, uint32_t format) {

@@ -23,17 +23,21 @@ uint32_t divide(uint32_t x, uint32_t y) {
   return x / y;
 }
 
+int32_t divide_signed(int32_t x, int32_t y) {
+  if (y == 0) {
+    throw DivisionFault();
+  }
+  return x / y;
+}
+
 uint32_t ceil_divide(uint32_t x, uint32_t y) {
   return divide(x + y - 1, y);
 }
 
 int32_t ceil_divide_signed(int32_t x, int32_t y) {
-  if (y == 0) {
-    throw DivisionFault();
-  }
   const int32_t sum =
       static_cast<int32_t>(static_cast<uint32_t>(x) + static_cast<uint32_t>(y) - 1u);
-  return sum / y;
+  return divide_signed(sum, y);
 }
 
 bool is_power_of_two(uint32_t x) {

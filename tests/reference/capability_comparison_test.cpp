@@ -4,7 +4,9 @@
 
 #include "tests/harness/chips.h"
 #include "tests/reference/comparison.h"
+#include "tests/reference/difference.h"
 
+using comparison::difference;
 using comparison::Pair;
 
 namespace {
@@ -13,15 +15,16 @@ void compare_predicates(Pair& pair, uint32_t format) {
   const auto id = static_cast<int32_t>(format);
   EXPECT_EQ(pair.gpu->isUBWCSupportedByGpu(format),
             reference::isUBWCSupportedByGpu(pair.process, format))
-      << format;
+      << "format " << format;
   for (const int32_t depth : {0, 1, -1}) {
     EXPECT_EQ(pair.gpu->isFormatRenderableByGpu(id, depth),
               reference::isFormatRenderableByGpu(pair.process, id, depth))
-        << format << " " << depth;
+        << "format " << format << ", depth_stencil_use " << depth;
     for (const uint32_t samples : {0U, 1U, 2U, 0xFFFFFFFFU}) {
       EXPECT_EQ(pair.gpu->isFormatSampleableByGpu(id, samples, depth),
                 reference::isFormatSampleableByGpu(pair.process, id, samples, depth))
-          << format << " " << samples << " " << depth;
+          << "format " << format << ", sample_count " << samples << ", depth_stencil_view "
+          << depth;
     }
   }
 }
@@ -56,7 +59,10 @@ TEST(CapabilityComparison, PropertiesOfEveryChip) {
               [&] { expected = reference::get_slice_pitch_alignment(pair.process, mode); })) {
         continue;
       }
-      EXPECT_EQ(pair.gpu->get_slice_pitch_alignment(mode), expected) << chip.chip_id << " " << mode;
+      const uint32_t actual = pair.gpu->get_slice_pitch_alignment(mode);
+      EXPECT_EQ(actual, expected) << "get_slice_pitch_alignment(tiling_mode " << mode
+                                  << ") on chip 0x" << std::hex << chip.chip_id << std::dec << ": "
+                                  << difference(actual, expected);
     }
     pair.expect_equal_reports();
   }

@@ -5,6 +5,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdlib>
 
 #include "tests/harness/chips.h"
@@ -87,6 +88,13 @@ int32_t Arguments::likely_size() {
     }
     default: return static_cast<int32_t>(1 + below(17000));
   }
+}
+
+int32_t Arguments::size_at_block_wrap(uint32_t block_texels) {
+  // Mostly in the last tile before it, else in one that extra rows bring there.
+  const int64_t wrap = int64_t{1 + below(block_texels)} << 31;
+  const int64_t size = wrap / block_texels + 4 - below(one_in(3) ? 300 : 40);
+  return static_cast<int32_t>(std::clamp(size, int64_t{0}, int64_t{0x7FFFFFFF}));
 }
 
 uint32_t Arguments::samples() {

@@ -51,6 +51,8 @@ class Arguments {
   uint32_t format();
   int32_t size();         // widths and heights
   int32_t likely_size();  // the same, mostly small enough for a real surface
+  // Where that many blocks of so many texels wrap 32 bits or change their sign.
+  int32_t size_at_block_wrap(uint32_t block_texels);
   uint32_t samples();
   uint32_t layout_samples();
   uint32_t tiling_mode();

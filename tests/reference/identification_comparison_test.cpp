@@ -3,10 +3,9 @@
 
 #include <gtest/gtest.h>
 
-#include <cstring>
-
 #include "tests/harness/chips.h"
 #include "tests/reference/comparison.h"
+#include "tests/reference/layout_call.h"
 
 using comparison::Pair;
 
@@ -27,7 +26,8 @@ void call_everything_once(Pair& pair) {
   EXPECT_EQ(pair.gpu->korvel_init_memory_layout(&actual, 100, 50, 2, 28, 1, 1, LAYOUT_FLAG_UBWC, 1),
             reference::korvel_init_memory_layout(pair.process, &expected, 100, 50, 2, 28, 1, 1,
                                                  LAYOUT_FLAG_UBWC, 1));
-  EXPECT_EQ(std::memcmp(&actual, &expected, sizeof actual), 0);
+  comparison::expect_equal_blobs("korvel_init_memory_layout",
+                                 {100, 50, 2, 28, 1, 1, LAYOUT_FLAG_UBWC, 1}, actual, expected);
   pair.expect_equal_reports();
   EXPECT_EQ(pair.gpu->isSecureContextSupportedByGpu(),
             reference::isSecureContextSupportedByGpu(pair.process));
@@ -53,6 +53,13 @@ TEST(IdentificationComparison, LibraryDoesNotOpenAtFirst) {
   call_everything_once(pair);
   hxl_sim_set_failures(0);
   pair.process.device.library_open_result = 0;
+  call_everything_once(pair);
+}
+
+// That chip id means "not identified yet": every question asks the device anew.
+TEST(IdentificationComparison, DeviceReportsTheUnidentifiedChipId) {
+  Pair pair(comparison::facts_of_unknown_chip(0xFFFFFFFF));
+  call_everything_once(pair);
   call_everything_once(pair);
 }
 

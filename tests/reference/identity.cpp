@@ -238,12 +238,14 @@ uint32_t get_gpu_pixel_alignment(Process& process) {
   return pixel_alignment(process);
 }
 
+// Each of the two properties asks for the GPU before it is looked up: the mode's, then the base's.
 uint32_t get_slice_pitch_alignment(Process& process, uint32_t tiling_mode) {
   identify_gpu_if_needed(process);
   uint32_t m = linear_alignment(process);
   if (tiling_mode == 1) {
     m = tiled_alignment(process);
   }
+  identify_gpu_if_needed(process);
   uint32_t b = base_alignment(process);
   const uint32_t product = b * m;
   while (m != 0) {

@@ -6,50 +6,32 @@
 
 #include "tests/harness/chips.h"
 #include "tests/reference/comparison.h"
+#include "tests/reference/difference.h"
+#include "tests/reference/layout_call.h"
+#include "tests/reference/rules.h"
 
 using comparison::Arguments;
+using comparison::difference;
+using comparison::expect_equal_blobs;
+using comparison::LayoutCall;
 using comparison::Pair;
 
 namespace {
 
-struct Case {
-  int32_t width, height, depth;
-  uint32_t format, samples, tiling_mode;
-  uint64_t flags;
-  uint32_t planes;
-};
-
-std::ostream& operator<<(std::ostream& out, const Case& c) {
-  return out << "size " << c.width << " x " << c.height << " x " << c.depth << " format "
-             << c.format << " samples " << c.samples << " tiling " << c.tiling_mode << " flags "
-             << std::hex << c.flags << std::dec << " planes " << c.planes;
-}
-
-Case random_case(Arguments& a) {
+LayoutCall random_call(Arguments& a) {
   const bool wild = a.one_in(4);
-  return {wild ? a.size() : a.likely_size(),
-          wild ? a.size() : a.likely_size(),
-          a.depth(),
-          a.format(),
-          wild ? a.samples() : a.layout_samples(),
-          a.tiling_mode(),
-          a.layout_flags(),
-          a.one_in(30) ? a.below(6) : 1 + a.below(3)};
-}
-
-// The words that differ, named by their offset.
-void expect_equal_bytes(const LayoutMetadata& actual, const LayoutMetadata& expected,
-                        const Case& c) {
-  if (std::memcmp(&actual, &expected, sizeof actual) == 0) return;
-  const auto* a = reinterpret_cast<const unsigned char*>(&actual);
-  const auto* e = reinterpret_cast<const unsigned char*>(&expected);
-  for (std::size_t offset = 0; offset < sizeof actual; offset += 4) {
-    if (std::memcmp(a + offset, e + offset, 4) == 0) continue;
-    uint32_t actual_word, expected_word;
-    std::memcpy(&actual_word, a + offset, 4);
-    std::memcpy(&expected_word, e + offset, 4);
-    ADD_FAILURE() << c << ": at " << offset << " " << actual_word << ", expected " << expected_word;
+  LayoutCall c = {wild ? a.size() : a.likely_size(),
+                  wild ? a.size() : a.likely_size(),
+                  a.depth(),
+                  a.format(),
+                  wild ? a.samples() : a.layout_samples(),
+                  a.tiling_mode(),
+                  a.layout_flags(),
+                  a.one_in(30) ? a.below(6) : 1 + a.below(3)};
+  if (wild && a.one_in(2)) {
+    c.height = a.size_at_block_wrap(reference::format_block_dims(c.format).height);
   }
+  return c;
 }
 
 // A blob of arbitrary old content: what a layout leaves alone must stay.
@@ -62,7 +44,7 @@ void fill(Arguments& a, LayoutMetadata& blob) {
 // Faults cost a process each: most tests leave the calls out that end in one.
 enum class Faults { skipped, compared };
 
-void compare_init(Pair& pair, Arguments& a, const Case& c, Faults faults = Faults::skipped) {
+void compare_init(Pair& pair, Arguments& a, const LayoutCall& c, Faults faults = Faults::skipped) {
   LayoutMetadata actual, expected;
   fill(a, actual);
   expected = actual;
@@ -81,21 +63,24 @@ void compare_init(Pair& pair, Arguments& a, const Case& c, Faults faults = Fault
     }
     return;
   }
-  EXPECT_EQ(pair.gpu->korvel_init_memory_layout(&actual, c.width, c.height, c.depth, c.format,
-                                                c.samples, c.tiling_mode, c.flags, c.planes),
-            status)
-      << c;
-  expect_equal_bytes(actual, expected, c);
-  EXPECT_EQ(pair.gpu->korvel_get_aligned_gpu_buffer_size(status == 0 ? &actual : nullptr),
-            reference::korvel_get_aligned_gpu_buffer_size(pair.process,
-                                                          status == 0 ? &expected : nullptr));
+  const uint32_t actual_status = pair.gpu->korvel_init_memory_layout(
+      &actual, c.width, c.height, c.depth, c.format, c.samples, c.tiling_mode, c.flags, c.planes);
+  EXPECT_EQ(actual_status, status) << "korvel_init_memory_layout(" << c << ")";
+  expect_equal_blobs("korvel_init_memory_layout", c, actual, expected);
+  const uint64_t expected_bytes = reference::korvel_get_aligned_gpu_buffer_size(
+      pair.process, status == 0 ? &expected : nullptr);
+  const uint64_t bytes =
+      pair.gpu->korvel_get_aligned_gpu_buffer_size(status == 0 ? &actual : nullptr);
+  EXPECT_EQ(bytes, expected_bytes) << "korvel_get_aligned_gpu_buffer_size after (" << c
+                                   << "): " << difference(bytes, expected_bytes);
 }
 
 // The two surface entries, on a record whose header words are anything.
-void compare_surfaces(Pair& pair, Arguments& a, const Case& c) {
+void compare_surfaces(Pair& pair, Arguments& a, LayoutCall c) {
   LayoutMetadata blob;
   fill(a, blob);
   blob.layout.levels = a.one_in(30) ? a.below(20) : 1 + a.below(15);
+  c.levels = blob.layout.levels;
   blob.layout.size = a.one_in(5) ? static_cast<uint32_t>(a.any()) : 5512;
   blob.layout.alignment = a.one_in(5) ? a.below(10000) : 4096;
 
@@ -126,7 +111,9 @@ void compare_surfaces(Pair& pair, Arguments& a, const Case& c) {
                                                  c.format, c.samples, c.tiling_mode, c.flags,
                                                  c.planes);
     }
-    expect_equal_bytes(actual, expected, c);
+    expect_equal_blobs(
+        multi ? "korvel_init_multi_level_surface" : "korvel_init_single_level_surface", c, actual,
+        expected);
     pair.expect_equal_reports();
   }
 }
@@ -136,9 +123,9 @@ void compare_random_cases(Pair& pair, uint64_t seed, uint32_t cases) {
   EXPECT_EQ(pair.gpu->get_gpu_pixel_alignment(), reference::get_gpu_pixel_alignment(pair.process));
   pair.expect_equal_reports();
   for (uint32_t i = 0; i < cases; ++i) {
-    compare_init(pair, arguments, random_case(arguments));
+    compare_init(pair, arguments, random_call(arguments));
     pair.expect_equal_reports();
-    compare_surfaces(pair, arguments, random_case(arguments));
+    compare_surfaces(pair, arguments, random_call(arguments));
     if (testing::Test::HasFailure()) return;
   }
 }
@@ -163,7 +150,7 @@ TEST(LayoutComparison, FaultsAreTheSame) {
     Pair pair(harness::full_chip(family_id));
     Arguments arguments(family_id);
     for (uint32_t i = 0; i < 400; ++i) {
-      compare_init(pair, arguments, random_case(arguments), Faults::compared);
+      compare_init(pair, arguments, random_call(arguments), Faults::compared);
       hxl_sim_clear_messages();
       pair.process.messages.clear();
     }

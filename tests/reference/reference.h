@@ -1,4 +1,4 @@
-// A second, plain statement of what korvel_utils does, for the tests to compare the library with.
+// An independent, plain reimplementation of korvel_utils, which the tests compare the library with.
 //
 // Nothing here is shared with the library: every rule is written out again, slowly and directly,
 // over a chip whose hardware facts the test hands in. One Process stands for one process with the

@@ -1,5 +1,6 @@
 // The single rules behind the entries of reference.h, for its own files and for tests of one rule.
-// None of them runs the identification; the entries do, once per call.
+// None of them runs the identification: the entries do, once per call, but for
+// get_slice_pitch_alignment, which does so for each of the two properties that it looks up.
 #pragma once
 
 #include <cstdint>
@@ -21,8 +22,9 @@ uint64_t round_up_64(uint64_t x, uint64_t a);
 // Up to an exact multiple of any a above 0. x is above 0.
 uint32_t round_up_to_multiple(uint32_t x, uint32_t a);
 
-// x / y, a DivisionFault for y = 0.
+// x / y, a DivisionFault for y = 0. Signed quotients are truncated toward 0.
 uint32_t divide(uint32_t x, uint32_t y);
+int32_t divide_signed(int32_t x, int32_t y);
 
 // (x + y - 1) / y, unsigned and signed.
 uint32_t ceil_divide(uint32_t x, uint32_t y);

@@ -7,14 +7,14 @@
 #include "tests/harness/fault_trap.h"
 #include "tests/reference/comparison.h"
 
-namespace exhaustive {
+namespace comparison {
 
 // The arguments of the widest entry; the others take some of them.
 struct AlignmentCall {
   int32_t width, height;
   uint32_t plane, format, samples, tiling_mode, tiling_allowed, selector;
-  int32_t threshold;
-  uint32_t divisor, padding;
+  int32_t min_padded_row_bytes;
+  uint32_t divisor, want_extra_padding;
 };
 
 std::ostream& operator<<(std::ostream& out, const AlignmentCall& call);
@@ -24,9 +24,9 @@ struct Counts {
   uint64_t faults = 0;  // of them, on both sides
 };
 
-// Compares what both sides answer: stored words, or the division fault. False, with a test failure,
-// when they differ.
-bool compare_alignments(comparison::Pair& pair, harness::FaultTrap& trap, const AlignmentCall& call,
+// Compares what both sides answer: stored words, or the division fault. False, with a test failure
+// that names the entry, its arguments and the words that differ, when they do.
+bool compare_alignments(Pair& pair, harness::FaultTrap& trap, const AlignmentCall& call,
                         Counts& counts);
 
-}  // namespace exhaustive
+}  // namespace comparison
