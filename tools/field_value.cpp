@@ -6,7 +6,7 @@
 #include <cstring>
 
 #include "formats/format_ids.h"
-#include "layout/sample_counts.h"
+#include "layout/record_limits.h"
 #include "tools/counted.h"
 #include "tools/format_names.h"
 #include "tools/uuid_text.h"

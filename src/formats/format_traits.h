@@ -12,7 +12,6 @@
 #include "formats/plane_formats.h"
 #include "formats/sample_tiles.h"
 #include "formats/substitute_formats.h"
-#include "formats/tall_tile_formats.h"
 
 namespace korvel {
 
@@ -52,6 +51,13 @@ static_assert(sizeof(FormatTraits) == 16);
 inline constexpr uint32_t kTraitsWithoutRecord = kFormatCount;
 inline constexpr uint32_t kTraitsWxb7 = kFormatCount + 1;
 inline constexpr uint32_t kTraitsCount = kFormatCount + 2;
+
+// The 2-byte formats that use the taller tile. The two family sets differ.
+inline constexpr IdRange kTallTileFormatsFamily5[] = {{49, 52}, {103}, {506}, {511}, {514},
+                                                      {517},    {619}, {647}, {678}};
+inline constexpr IdRange kTallTileFormatsFamily67[] = {{48, 52}, {103}, {511}, {514},
+                                                       {517},    {658}, {666}, {678}};
+static_assert(is_sorted_list(kTallTileFormatsFamily5) && is_sorted_list(kTallTileFormatsFamily67));
 
 constexpr bool is_wide_byte_format(FormatId format) {
   return format == 660 || format == 661;

@@ -1,4 +1,5 @@
 #include <korvel_utils.h>
+
 #include "formats/capabilities.h"
 
 namespace korvel {

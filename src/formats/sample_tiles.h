@@ -27,7 +27,9 @@ inline constexpr SampleTileRow kSampleTileRows[] = {
     {8,         { 4, 2},       {2, 2},  {0, 0}},
 };
 
-// 2-byte formats of the tall list, single-sampled.
+// 2-byte formats that take a taller tile when they are single-sampled. The family sets differ.
+inline constexpr IdRange kTallSampleTileFormatsFamily5[]  = {{48, 52}, {511}, {514}, {517}};
+inline constexpr IdRange kTallSampleTileFormatsFamily67[] = {{48, 52}, {511}, {514}, {517}, {678}};
 inline constexpr Extent<Elements> kTallSampleTile = {16, 8};
 
 // Video formats on families 6 and 7, by format alone.
@@ -89,5 +91,8 @@ inline constexpr SampleTilesBySize kSampleTilesBySize = [] {
   }
   return tiles;
 }();
+
+static_assert(is_sorted_list(kTallSampleTileFormatsFamily5) &&
+              is_sorted_list(kTallSampleTileFormatsFamily67));
 
 }  // namespace korvel

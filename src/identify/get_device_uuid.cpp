@@ -1,4 +1,5 @@
 #include <korvel_utils.h>
+
 #include "identify/uuid.h"
 
 int32_t get_device_uuid(uint8_t* out, int32_t out_length, uint32_t family_id, uint32_t model_code,

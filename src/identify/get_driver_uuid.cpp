@@ -1,4 +1,5 @@
 #include <korvel_utils.h>
+
 #include "identify/uuid.h"
 
 int32_t get_driver_uuid(uint8_t* out, int32_t out_length) {

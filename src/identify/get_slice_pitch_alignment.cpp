@@ -1,6 +1,7 @@
 #include <numeric>
 
 #include <korvel_utils.h>
+
 #include "identify/gpu_identity.h"
 #include "platform/division.h"
 

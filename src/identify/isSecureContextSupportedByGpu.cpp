@@ -2,6 +2,7 @@
 #include <cstring>
 
 #include <korvel_utils.h>
+
 #include "platform/hxluser.h"
 #include "platform/log.h"
 

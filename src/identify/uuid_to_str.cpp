@@ -1,6 +1,7 @@
 #include <cstddef>
 
 #include <korvel_utils.h>
+
 #include "identify/uuid.h"
 #include "platform/log.h"
 

@@ -1,6 +1,7 @@
 #include <cstddef>
 
 #include <korvel_utils.h>
+
 #include "layout/stored_word.h"
 
 uint64_t korvel_get_aligned_gpu_buffer_size(const void* blob) {

@@ -1,4 +1,5 @@
 #include <korvel_utils.h>
+
 #include "formats/format_traits.h"
 #include "identify/gpu_identity.h"
 #include "identify/uuid.h"

@@ -30,7 +30,6 @@ struct LevelPlace {
     return false;                              \
   } while (false)
 
-
 // The messages call the height and the width that an image covers by the record's own names.
 template <typename Kind>
 inline constexpr const char kImageSizeMismatch[] =

@@ -1,6 +1,6 @@
 // The fast path of both validators. What passes here passes every rule of layout/level_rules.h; what
-// does not, valid or not, is for those rules to judge. A full record takes half the comparisons and
-// no message's arguments, a third of the rules' instructions on 64-bit Arm.
+// does not, valid or not, is for those rules to judge. It keeps no number for a message and compares
+// half as often, which saves a third of the rules' instructions on a full record on 64-bit Arm.
 #pragma once
 
 #include <korvel_utils.h>
@@ -18,8 +18,7 @@ constexpr bool is_from_1_to(uint64_t number, uint64_t most) {
 }
 
 template <typename Kind>
-[[gnu::always_inline]] inline bool image_is_plain(const StoredImage& image, uint32_t slices,
-                                                  uint64_t surface_size_bytes) {
+inline bool image_is_plain(const StoredImage& image, uint32_t slices, uint64_t surface_size_bytes) {
   const StoredBuffer& buffer = image.buffer;
   if (exceeds_surface(buffer, slices, surface_size_bytes)) return false;
   // Products above 0 have factors above 0.
@@ -30,8 +29,8 @@ template <typename Kind>
 }
 
 template <typename Kind>
-[[gnu::always_inline]] inline bool plane_is_plain(const unsigned char* plane, uint32_t slices,
-                                                  uint32_t tiled, uint64_t surface_size_bytes) {
+inline bool plane_is_plain(const unsigned char* plane, uint32_t slices, uint32_t tiled,
+                           uint64_t surface_size_bytes) {
   using Plane = typename Kind::Plane;
   if (!image_is_plain<Kind>(stored_image<Kind>(plane), slices, surface_size_bytes)) return false;
   const auto flag_valid = KORVEL_STORED(plane, Plane, flag_valid);
@@ -45,10 +44,9 @@ template <typename Kind>
 
 // Without a loop: each plane stands at a constant place.
 template <typename Kind>
-[[gnu::always_inline]] inline bool planes_are_plain(const unsigned char* level, uint32_t planes,
-                                                    uint32_t slices, uint32_t tiled,
-                                                    uint64_t surface_size_bytes) {
-  const auto is_plain = [=](uint32_t plane) __attribute__((always_inline)) {
+inline bool planes_are_plain(const unsigned char* level, uint32_t planes, uint32_t slices,
+                             uint32_t tiled, uint64_t surface_size_bytes) {
+  const auto is_plain = [=](uint32_t plane) {
     const unsigned char* stored = stored_plane<Kind>(level, plane);
     return plane_is_plain<Kind>(stored, slices, tiled, surface_size_bytes);
   };
@@ -66,8 +64,8 @@ template <typename Kind>
 
 // A level without low-resolution depth. `tiled` is its tiled word, 0 or 1.
 template <typename Kind>
-[[gnu::always_inline]] inline bool level_is_plain(const unsigned char* level, uint32_t tiled,
-                                                  const CheckedHeader& header) {
+inline bool level_is_plain(const unsigned char* level, uint32_t tiled,
+                           const CheckedHeader& header) {
   using Level = typename Kind::Level;
   if (!is_from_1_to(KORVEL_STORED(level, Level, size), header.total_size)) return false;
   const auto lrz_valid = KORVEL_STORED(level, Level, lrz_valid);

@@ -5,9 +5,10 @@
 #include <cstdint>
 
 #include <korvel_utils.h>
+
 #include "formats/format_ids.h"
 #include "identify/uuid.h"
-#include "layout/sample_counts.h"
+#include "layout/record_limits.h"
 #include "layout/stored_word.h"
 #include "platform/log.h"
 #include "platform/rounding.h"

@@ -132,8 +132,8 @@ inline StoredBuffer stored_lrz_fast_clear(const unsigned char* level) {
 }
 
 // `slices` is 1 or more. An end that does not fit 64 bits lies outside every surface.
-[[gnu::always_inline]] inline bool exceeds_surface(const StoredBuffer& buffer, uint32_t slices,
-                                                   uint64_t surface_size_bytes) {
+inline bool exceeds_surface(const StoredBuffer& buffer, uint32_t slices,
+                            uint64_t surface_size_bytes) {
   uint64_t end;
   if (__builtin_add_overflow(buffer.offset, buffer.size, &end)) return true;
   uint64_t others;

@@ -4,8 +4,9 @@
 #include <cstdint>
 
 #include <korvel_utils.h>
+
 #include "formats/format_traits.h"
-#include "layout/sample_counts.h"
+#include "layout/record_limits.h"
 #include "platform/log.h"
 
 namespace korvel {

@@ -1,6 +1,7 @@
 #include <cstddef>
 
 #include <korvel_utils.h>
+
 #include "layout/plain_levels.h"
 #include "layout/record_header_checks.h"
 

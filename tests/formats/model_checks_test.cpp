@@ -1,6 +1,6 @@
 // What goes by the chip's model: a code that no row has supports and excludes nothing.
 
-#include "formats/model_checks.h"
+#include "formats/capabilities.h"
 
 #include <gtest/gtest.h>
 
