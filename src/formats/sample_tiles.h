@@ -69,8 +69,8 @@ inline constexpr uint8_t kUnlistedVideoFormat = 1;
 
 // The row of kVideoSampleTiles that a video format takes.
 constexpr uint8_t video_sample_tile_row(FormatId format) {
-  for (uint8_t row = kUnlistedVideoFormat + 1; row < std::size(kVideoSampleTiles); ++row) {
-    if (contains(kVideoSampleTiles[row].ids, format)) return row;
+  for (std::size_t row = kUnlistedVideoFormat + 1; row < std::size(kVideoSampleTiles); ++row) {
+    if (contains(kVideoSampleTiles[row].ids, format)) return static_cast<uint8_t>(row);
   }
   return kUnlistedVideoFormat;
 }

@@ -1,5 +1,5 @@
 // The rules of levels and planes, with their messages, in the order in which they are checked. Each
-// stands once for both kinds of record.
+// stands once for both kinds of record. Products are 32-bit and wrap.
 #pragma once
 
 #include <korvel_utils.h>
@@ -54,7 +54,8 @@ bool image_passes(const StoredImage& image, const LevelPlace& at, uint32_t plane
         at.level, plane, llu(buffer.offset), llu(buffer.slice_pitch), at.slices, llu(buffer.size),
         llu(at.surface_size_bytes));
   }
-  if (buffer.size < image.pitch * image.covered_height || buffer.size > buffer.slice_pitch) {
+  const uint32_t covered_bytes = image.pitch * image.covered_height;
+  if (buffer.size < covered_bytes || buffer.size > buffer.slice_pitch) {
     KORVEL_REFUSE(kImageSizeMismatch<Kind>, at.level, plane, llu(buffer.size), image.pitch,
                   image.covered_height, llu(buffer.slice_pitch));
   }
@@ -145,7 +146,8 @@ bool lrz_passes(const StoredLrz& lrz, const LevelPlace& at) {
         at.level, llu(buffer.offset), llu(buffer.slice_pitch), at.slices, llu(buffer.size),
         llu(at.surface_size_bytes));
   }
-  if (buffer.size < lrz.pitch * lrz.height || buffer.size > buffer.slice_pitch) {
+  const uint32_t covered_bytes = lrz.pitch * lrz.height;
+  if (buffer.size < covered_bytes || buffer.size > buffer.slice_pitch) {
     KORVEL_REFUSE(
         "Metadata level lrz size mismatch {level %u, lrz size %llu, lrz pitch %u, lrz height %u, lrz slice pitch %llu}",
         at.level, llu(buffer.size), lrz.pitch, lrz.height, llu(buffer.slice_pitch));
