@@ -62,8 +62,8 @@
  *
  * Arithmetic
  *   32-bit results wrap modulo 2^32. A division by 0 (each entry says under "Faults" where one can
- *   happen) is the platform's fatal integer-divide-by-zero fault on every target. It is never a
- *   silent number.
+ *   happen) ends the program on every target, with the platform's integer-divide-by-zero fault
+ *   where it has one, else with a trap. It is never a silent number.
  */
 #ifndef KORVEL_UTILS_H
 #define KORVEL_UTILS_H
@@ -169,7 +169,7 @@ typedef struct PlaneLayout {
   uint32_t image_pitch;        /**< bytes from row to row */
   uint32_t padding_20;         /**< not written */
   uint64_t image_slice_pitch;  /**< bytes from slice to slice */
-  uint32_t image_element_size; /**< bytes of an element, all samples included */
+  uint32_t image_element_size; /**< bytes of the format's element, all samples included */
   uint32_t image_width;        /**< aligned width, elements */
   uint32_t image_height;       /**< aligned height, rows of elements */
   uint32_t padding_44;         /**< not written */
@@ -214,7 +214,7 @@ typedef struct MemoryLayout {
   uint32_t size;                          /**< bytes of this record: 5512 */
   uint8_t device_uuid[KORVEL_UUID_BYTES]; /**< words 0x5A52, family, model code, revision id */
   uint8_t driver_uuid[KORVEL_UUID_BYTES]; /**< words 4, 1 (driver version), 3 (layout version), 0 */
-  uint64_t total_size;                    /**< `size` + bytes of the surface, aligned */
+  uint64_t total_size;                    /**< `size` + bytes of the surface, these aligned */
   uint32_t alignment;                     /**< of the surface, bytes; a power of two */
   uint32_t format;                        /**< format number */
   uint32_t samples;                       /**< 1, 2, 4 or 8 */
@@ -522,6 +522,10 @@ KORVEL_API uint32_t KORVEL_CALL compute_surface_padding(int32_t width, uint32_t 
  * @param out_width             receives the aligned width, elements.
  * @param out_height            receives the aligned height, rows of elements.
  *
+ * A linear row above min_padded_row_bytes is limited as well as padded: to 16384 elements, and on
+ * family 7 to what the chip's model has, which is 0 for a model that lists no limit. The result may
+ * then be less than `width`. Video, block and odd-sized elements are neither padded nor limited.
+ *
  * Faults, on supported chips: a tiled plane with elements of 0 bytes, or 0 samples, on family 5; a
  * linear plane of a block or packed format with 0 samples on families 6 and 7. Samples whose
  * product with the bytes of an element wraps to 0 count as 0 samples.
@@ -554,8 +558,9 @@ KORVEL_API void KORVEL_CALL compute_fmt_minimal_aligned_width_and_height(
 
 /**
  * GPU. The minimal and the full alignment at once, in bytes of a row. On a supported chip a surface
- * narrower than 16 elements, or 16 blocks' texels of a block format, becomes linear first: 0 is
- * stored to the caller's tiling mode.
+ * narrower than 16 becomes linear first: 0 is stored to the caller's tiling mode. For a block format
+ * the width, although elements, is held against 16 times the texels of a block's width. A negative
+ * width is narrow, too.
  *
  * compute_fmt_minimal_aligned_width_and_height() and compute_fmt_aligned_width_and_height() both
  * run in every case, in this order, and messages come under their names: a negative size or an
@@ -564,8 +569,8 @@ KORVEL_API void KORVEL_CALL compute_fmt_minimal_aligned_width_and_height(
  *
  * @param params  what is asked; only *params->tiling_mode may be written.
  * @param result  three pointers, each written in every case. Bytes of a row are the aligned width
- *                times the bytes of an element of the format's plane 0, an element whose bytes are
- *                no power of two taken as the next larger one; tiled, times the samples.
+ *                times the bytes of an element in the format's record (8 for 20 and 551), bytes
+ *                that are no power of two taken as the next larger one; tiled, times the samples.
  *
  * Faults, on supported chips: a plane that the format lacks, linear, or tiled on family 5; and
  * those of the two entries.
@@ -623,7 +628,10 @@ KORVEL_API uint64_t KORVEL_CALL korvel_get_aligned_gpu_buffer_size(const void* b
  * @return 0; or 0xFFFFFFFF, and the blob is untouched.
  *
  * Planes start where the planes before them end, counted with one slice each. A flag buffer stands
- * in front of its plane's image, and both together make the slice pitch.
+ * in front of its plane's image, and both together make the slice pitch. Every plane is laid out
+ * with the whole width and height and with the bytes of an element in the format's record: chroma
+ * planes are not made smaller. Linear rows longer than the chip's threshold (512 bytes) are
+ * pitch-padded.
  *
  * Messages, the first that applies, under the name validate_memory_layout_input_params:
  *   "Invalid width, height, or depth: W = %d, H = %d, D = %d"
@@ -694,14 +702,16 @@ KORVEL_API void KORVEL_CALL korvel_init_single_level_surface(MemoryLayout* recor
  *                well, also of those that get no flag buffer: zero the record first.
  * @param width   texels, rounded up to a multiple of 64 first; then 2^31 and more counts as 1, and
  *                so does 0.
- * @param height  texels; 0, and 2^31 and more, counts as 1.
+ * @param height  texels; 0, and 2^31 and more, counts as 1, although a flag buffer takes exactly 2^31 as it
+ *                is.
  *
  * Other arguments, messages and what is left unwritten as for korvel_init_single_level_surface().
  * With planes 0 a level's slices, tiled, size and planes stay as they were. A linear surface of one
  * plane gets flag_valid, flag_size and flag_pitch where it would have a flag buffer, but no
  * flag_offset and no flag_slice_pitch: only tiled surfaces have room for it. On a tiled surface of
  * one plane flag_offset and flag_slice_pitch are written at every level, with a flag buffer or
- * without. The size of a level of several planes is that of its last plane.
+ * without. The size of a level of several planes is that of its last plane; that of a tiled surface
+ * of one plane leaves the flag buffers out. No row is pitch-padded.
  *
  * Faults: those of korvel_init_single_level_surface(); an element size times samples of 0 on
  * families 6 and 7 in linear mode.

@@ -13,11 +13,13 @@ namespace korvel {
 struct AlignmentRequest {
   const FormatTraits& format;
   uint32_t samples;
-  uint32_t tiling_mode;             // 1 tiled, any other value linear
-  int32_t min_padded_row_bytes;     // linear rows of at most this many bytes are not padded
-  uint32_t tiling_allowed = 0;      // the linear surface may become tiled later
-  uint32_t divisor = 1;             // bytes of an element, as far as a linear width's step goes
-  Extent<Elements> extra = {0, 0};  // added before the alignment, families 6 and 7
+  uint32_t tiling_mode;          // 1 tiled, any other value linear
+  int32_t min_padded_row_bytes;  // linear rows of at most this many bytes are not padded
+  uint32_t tiling_allowed = 0;   // the linear surface may become tiled later
+  // Linear widths go up in steps that are counted in bytes. The bytes of an element turn a step into
+  // elements; 1 takes its number of bytes for a number of elements.
+  uint32_t step_divisor = 1;
+  Extent<Elements> padding = {0, 0};  // added before the alignment, families 6 and 7
 };
 
 // The request of the full alignment.

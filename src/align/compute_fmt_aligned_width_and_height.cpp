@@ -9,8 +9,8 @@ void compute_fmt_aligned_width_and_height(int32_t width, int32_t height, uint32_
   const korvel::ChipRow& chip = korvel::identified_chip();
   const korvel::AlignmentRequest request =
       korvel::alignment_request(format, samples, tiling_mode, min_padded_row_bytes);
-  const korvel::Extent<korvel::Elements> aligned =
-      korvel::full_extent(chip, {width, height}, request, plane);
+  const korvel::Extent<korvel::Elements> aligned = korvel::full_extent(
+      "compute_fmt_aligned_width_and_height", chip, {width, height}, request, plane);
   *out_width = aligned.width;
   *out_height = aligned.height;
 }

@@ -13,8 +13,8 @@ void compute_fmt_minimal_aligned_width_and_height(int32_t width, int32_t height,
   korvel::AlignmentRequest request =
       korvel::alignment_request(format, samples, tiling_mode, min_padded_row_bytes);
   request.tiling_allowed = tiling_allowed;
-  request.divisor = divisor;
-  if (want_extra_padding != 0) request.extra = korvel::extra_padding(chip, format);
+  request.step_divisor = divisor;
+  if (want_extra_padding != 0) request.padding = korvel::extra_padding(chip, format);
   const korvel::Extent<korvel::Elements> aligned =
       korvel::minimal_extent(chip, {width, height}, request, plane);
   *out_width = aligned.width;

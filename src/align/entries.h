@@ -1,5 +1,5 @@
-// What the alignment entries have in common: the checks, and the alignments behind them with the
-// messages that they carry.
+// What the alignment entries have in common: the checks with their messages, and the three
+// alignments behind them: full, that of fragment density maps (fdm), and minimal.
 #pragma once
 
 #include <korvel_utils.h>
@@ -11,6 +11,7 @@
 #include "align/family5_rules.h"
 #include "align/family67_rules.h"
 #include "formats/extent.h"
+#include "identify/chip_row.h"
 #include "identify/gpu_identity.h"
 #include "platform/log.h"
 
@@ -22,48 +23,42 @@ inline bool is_supported_chip() {
 }
 
 // The size of what the rules do not see, after its message: a negative size, or any on a chip whose
-// surfaces they do not know. `function` is the name that the message carries.
-[[gnu::cold, gnu::noinline]] inline Extent<Elements> refused_extent(const char* function,
+// surfaces they do not know. `entry` is the name that the message carries.
+[[gnu::cold, gnu::noinline]] inline Extent<Elements> refused_extent(const char* entry,
                                                                     int32_t width, int32_t height) {
   if (width < 0 || height < 0) {
-    KORVEL_LOG(function, "Invalid width or height: W = %d, H = %d", width, height);
+    KORVEL_LOG(entry, "Invalid width or height: W = %d, H = %d", width, height);
     return {1, 1};
   }
-  KORVEL_LOG(function, "Unknown Chip ID %d", static_cast<int32_t>(reported_chip_id()));
+  KORVEL_LOG(entry, "Unknown Chip ID %d", static_cast<int32_t>(reported_chip_id()));
   return {static_cast<uint32_t>(width), static_cast<uint32_t>(height)};
 }
 
 // Sizes that pass go to the rules, as rules(size).
 template <typename Rules>
-inline Extent<Elements> checked_extent(const char* function, const ChipRow& chip,
+inline Extent<Elements> checked_extent(const char* entry, const ChipRow& chip,
                                        SignedExtent<Elements> size, Rules rules) {
-  if (is_negative(size) || !chip.supported) [[unlikely]] {
-    return refused_extent(function, size.width, size.height);
+  if (is_negative(size) || !chip.supported) {
+    return refused_extent(entry, size.width, size.height);
   }
   return rules(
       Extent<Elements>{static_cast<uint32_t>(size.width), static_cast<uint32_t>(size.height)});
 }
 
-constexpr Extent<Elements> aligned_extent(const ChipRow& chip, Extent<Elements> size,
-                                          const AlignmentRequest& request, uint32_t plane) {
-  return chip.family_id == 5 ? align_family5(chip, size, request, plane)
-                             : align_family67(chip, size, request, plane);
+// The full alignment of a plane; `entry` is the name that messages carry.
+inline Extent<Elements> full_extent(const char* entry, const ChipRow& chip,
+                                    SignedExtent<Elements> size, const AlignmentRequest& request,
+                                    uint32_t plane) {
+  return checked_extent(entry, chip, size, [&](Extent<Elements> checked) {
+    return chip.family_id == 5 ? align_family5(chip, checked, request, plane)
+                               : align_family67(chip, checked, request, plane);
+  });
 }
 
-// The full alignment of a plane.
-inline Extent<Elements> full_extent(const ChipRow& chip, SignedExtent<Elements> size,
-                                    const AlignmentRequest& request, uint32_t plane) {
-  return checked_extent(
-      "compute_fmt_aligned_width_and_height", chip, size,
-      [&](Extent<Elements> checked) { return aligned_extent(chip, checked, request, plane); });
-}
-
-// The same as the layouts use it, with a divisor and extra padding.
+// The full alignment with a divisor and padding, which the layouts use for their planes.
 inline Extent<Elements> fdm_extent(const ChipRow& chip, SignedExtent<Elements> size,
                                    const AlignmentRequest& request, uint32_t plane) {
-  return checked_extent(
-      "compute_fmt_aligned_width_and_height_fdm", chip, size,
-      [&](Extent<Elements> checked) { return aligned_extent(chip, checked, request, plane); });
+  return full_extent("compute_fmt_aligned_width_and_height_fdm", chip, size, request, plane);
 }
 
 // The smallest alignment of a plane that the hardware takes.

@@ -37,7 +37,7 @@ constexpr bool is_known_padding(uint32_t units) {
   return false;
 }
 
-// Four units take the rows of two.
+// Four units take the rows of two, as the hardware has it.
 constexpr Extent<Elements> extra_padding(const ChipRow& chip, FormatId format) {
   const uint32_t units = chip.extra_padding_units;
   if (!is_known_padding(units)) return {0, 0};

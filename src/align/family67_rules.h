@@ -31,7 +31,8 @@ constexpr uint32_t at_least_one_row(uint32_t rows) {
   return static_cast<uint32_t>(std::max(static_cast<int32_t>(rows), 1));
 }
 
-// The width of whole tiles of blocks: counted in texels, and back in blocks.
+// The width of whole tiles of blocks: counted in texels, and back in blocks. Whole tiles of elements,
+// but for products that wrap.
 constexpr uint32_t whole_tile_width_el(uint32_t width_el, uint32_t tile_el, uint32_t block_texels) {
   const uint32_t texels = std::max(width_el * block_texels, 1U);
   return round_up_to_multiple(texels, tile_el * block_texels) / block_texels;
@@ -65,7 +66,7 @@ constexpr uint32_t linear_rows_family67(uint32_t rows, const AlignmentRequest& r
 
 constexpr Extent<Elements> align_linear_family67(const ChipRow& chip, Extent<Elements> size,
                                                  const AlignmentRequest& request, uint32_t plane) {
-  const bool may_become_tiled = request.tiling_allowed == KORVEL_TILING_TILED;
+  const bool may_become_tiled = request.tiling_allowed == 1;  // family 5 takes any value but 0
   const uint32_t base_el =
       linear_base_width_el(size.width, request, kLinearRulesFamily67, may_become_tiled);
   return {finished_linear_width_el(chip, request, base_el, element_bytes(request, plane)),
@@ -74,8 +75,8 @@ constexpr Extent<Elements> align_linear_family67(const ChipRow& chip, Extent<Ele
 
 constexpr Extent<Elements> align_family67(const ChipRow& chip, Extent<Elements> size,
                                           const AlignmentRequest& request, uint32_t plane) {
-  const Extent<Elements> padded = {size.width + request.extra.width,
-                                   size.height + request.extra.height};
+  const Extent<Elements> padded = {size.width + request.padding.width,
+                                   size.height + request.padding.height};
   return is_tiled(request) ? align_tiled_family67(padded, request, plane)
                            : align_linear_family67(chip, padded, request, plane);
 }

@@ -50,6 +50,7 @@ constexpr uint32_t linear_step_bytes(const AlignmentRequest& request, const Line
   } else {
     elements = in_blocks ? blocks_in_unit(bytes) : elements_in_whole_units(bytes);
   }
+  // A block counts with one sample.
   return in_blocks ? format.bytes * elements : round_up_pot(bytes * elements, kLinearUnit_bytes);
 }
 
@@ -62,11 +63,11 @@ constexpr uint32_t round_up_by_mask(uint32_t width_el, uint32_t step_el) {
 constexpr uint32_t linear_base_width_el(uint32_t width_el, const AlignmentRequest& request,
                                         const LinearRules& rules, bool may_become_tiled) {
   const uint32_t step_bytes = linear_step_bytes(request, rules, may_become_tiled);
-  return round_up_by_mask(width_el, divide(step_bytes, request.divisor));
+  return round_up_by_mask(width_el, divide(step_bytes, request.step_divisor));
 }
 
-// Rows of elements whose size is no power of two take whole units of 64 elements in both that size
-// and their substitute's; neither is 0. Signed.
+// Rows of elements whose size is no power of two take multiples of 64 times that size times their
+// substitute's; neither is 0. Signed.
 constexpr uint32_t odd_element_width_el(uint32_t width_el, uint32_t element_bytes,
                                         uint32_t substitute_bytes) {
   const uint32_t unit_bytes = substitute_bytes * element_bytes * 64;

@@ -73,8 +73,8 @@ constexpr uint32_t limited_pitch_el(const ChipRow& chip, uint32_t pitch_el) {
   return std::min(pitch_el, kPitchLimit_el);
 }
 
-// `element_bytes` is a power of two up to 16, or 0 for a plane that the format lacks. Widths of
-// whole longest pitches are not padded, but for the longest pitch itself.
+// `element_bytes` is a power of two up to 16, or 0 for a plane that the format lacks. Multiples
+// of the longest padded pitch are not padded, but for that pitch itself.
 constexpr uint32_t pad_pitch_el(const ChipRow& chip, uint32_t width_el, uint32_t element_bytes) {
   if (element_bytes == 0) return width_el;
   const bool repeats = width_el % kLongestPaddedPitch_el == 0 && width_el != kLongestPaddedPitch_el;

@@ -20,6 +20,7 @@ struct TileSizeRow {
 inline constexpr TileSizeRow kTileSizes[] = {
     { 1, {128, 32}},
     { 2, {128, 16}},
+    { 4, { 64, 16}},
     { 8, { 32, 16}},
     {16, { 16, 16}},
     {32, {  8, 16}},
@@ -32,7 +33,7 @@ inline constexpr TileSize kTallTileSize     = { 64, 32};  // 2 bytes
 
 inline constexpr uint32_t kLargestTileElement_bytes = 64;
 
-// By element size, then by variant: a row is 16 bytes.
+// By element size, then by variant; rows of 16 bytes, so that the address is a shift.
 using TileSizesOfVariants = std::array<TileSize, 4>;
 static_assert(kTileVariants <= std::tuple_size_v<TileSizesOfVariants>);
 

@@ -66,11 +66,6 @@ static_assert([] {
   }
   return true;
 }());
-static_assert([] {
-  for (const BlockDimsRow& row : kBlockDimsRows) {
-    if (!is_sorted_list(row.ids)) return false;
-  }
-  return true;
-}());
+static_assert(rows_are_disjoint(kBlockDimsRows));
 
 }  // namespace korvel

@@ -31,6 +31,11 @@ constexpr Extent<Unit> widened(SmallExtent<Unit> size) {
   return {size.width, size.height};
 }
 
+// Of formats whose elements hold one texel.
+constexpr SignedExtent<Elements> one_texel_elements(SignedExtent<Texels> size) {
+  return {size.width, size.height};
+}
+
 template <typename Unit>
 constexpr bool is_negative(SignedExtent<Unit> size) {
   return size.width < 0 || size.height < 0;

@@ -15,7 +15,7 @@ inline constexpr uint32_t kFormatCount = 722;
 inline constexpr FormatId kFormatUnknown = 0;
 inline constexpr FormatId kFormatR16G16B16A16Unorm = 11;
 inline constexpr FormatId kFormatR8G8B8A8Unorm = 28;
-inline constexpr FormatId kFormatFourBytesAChannelUnorm = 567;  // 16 bytes
+inline constexpr FormatId kFormatR32G32B32A32Unorm = 567;
 
 // Has no record; linear heights of it take whole 64 rows.
 inline constexpr FormatId kFormat64Rows = 670;
@@ -41,7 +41,7 @@ constexpr void for_each_id(std::span<const IdRange> list, Visit visit) {
   }
 }
 
-// Whether the list names a format, which is not 0.
+// Whether the list names `format`, which is not 0: unused places would match that.
 constexpr bool contains(std::span<const IdRange> list, FormatId format) {
   for (const IdRange& range : list) {
     if (format >= range.first && format <= range.last) return true;
@@ -59,6 +59,21 @@ constexpr bool is_sorted_list(std::span<const IdRange> list) {
     above = range.last;
   }
   return true;
+}
+
+// Whether the lists of a table's rows are sorted, and no id stands in two of them.
+template <std::size_t N, typename Row>
+constexpr bool rows_are_disjoint(const Row (&rows)[N]) {
+  bool listed[kFormatCount] = {};
+  bool disjoint = true;
+  for (const Row& row : rows) {
+    if (!is_sorted_list(row.ids)) return false;
+    for_each_id(row.ids, [&](FormatId id) {
+      disjoint = disjoint && !listed[id];
+      listed[id] = true;
+    });
+  }
+  return disjoint;
 }
 
 }  // namespace korvel

@@ -1,5 +1,11 @@
 // The format table: class bits, element size and plane count of every format. One table serves all
 // families.
+//
+// A new format has a row here and, where it differs from most, in the lists beside this file: its
+// blocks (block_dims.h), planes (plane_formats.h), substitute (substitute_formats.h), tiles
+// (format_traits.h, sample_tiles.h), compression (ubwc_formats.h), what families render to and sample
+// from (isFormat...ByGpu.cpp) and its padding unit (align/extra_padding.h). Numbers from 722 on also
+// raise kFormatCount.
 #pragma once
 
 #include <array>
@@ -15,19 +21,19 @@ enum FormatFlag : uint32_t {
   FORMAT_FLAG_UNORM = 0x2,
   FORMAT_FLAG_FLOAT = 0x4,
   FORMAT_FLAG_FLOAT32 = 0x8,         // 32-bit channels, beside FLOAT
-  FORMAT_FLAG_FURTHER_CLASS = 0x10,  // 502, 503, 541-545
+  FORMAT_FLAG_FURTHER_CLASS = 0x10,  // of 502, 503, 541-545; kept as recorded
   FORMAT_FLAG_UNSIGNED = 0x20,       // beside INTEGER
   FORMAT_FLAG_SIGNED = 0x40,         // beside INTEGER
-  FORMAT_FLAG_INTEGER = 0x80,        //
-  FORMAT_FLAG_SRGB = 0x100,          //
-  FORMAT_FLAG_VIDEO = 0x200,         // tested: video or palette, its pitch is never padded
-  FORMAT_FLAG_TYPELESS = 0x400,      //
-  FORMAT_FLAG_MULTI_PLANAR = 0x800,  //
-  FORMAT_FLAG_PACKED_PAIR = 0x1000,  // tested: adjacent pixels share one packed element (4:2:2)
+  FORMAT_FLAG_INTEGER = 0x80,
+  FORMAT_FLAG_SRGB = 0x100,
+  FORMAT_FLAG_VIDEO = 0x200,  // tested: video or palette, its pitch is never padded
+  FORMAT_FLAG_TYPELESS = 0x400,
+  FORMAT_FLAG_MULTI_PLANAR = 0x800,
+  FORMAT_FLAG_PACKED_PAIR = 0x1000,       // tested: adjacent texels share one packed element
   FORMAT_FLAG_BLOCK_COMPRESSED = 0x2000,  // tested: bytes is per block
-  FORMAT_FLAG_DEPTH = 0x4000,             //
-  FORMAT_FLAG_STENCIL = 0x8000,           // also typeless and view forms
-  FORMAT_FLAG_DEPTH_STENCIL = 0x10000,    // tested: a depth/stencil target, always laid out tiled
+  FORMAT_FLAG_DEPTH = 0x4000,
+  FORMAT_FLAG_STENCIL = 0x8000,         // also typeless and view forms
+  FORMAT_FLAG_DEPTH_STENCIL = 0x10000,  // tested: a depth/stencil target, always laid out tiled
   FORMAT_FLAG_DEPTH_AND_STENCIL = 0x20000,
   FORMAT_FLAG_DEPTH_ONLY = 0x40000,
   FORMAT_FLAG_STENCIL_ONLY = 0x80000,
@@ -170,20 +176,7 @@ inline constexpr FormatTableRow kFormatTableRows[] = {
 };
 // clang-format on
 
-// True when a row's ids ascend and no id stands in two rows.
-constexpr bool rows_are_disjoint() {
-  std::array<bool, kFormatCount> listed{};
-  bool disjoint = true;
-  for (const FormatTableRow& row : kFormatTableRows) {
-    if (!is_sorted_list(row.ids)) return false;
-    for_each_id(row.ids, [&](FormatId id) {
-      disjoint = disjoint && !listed[id];
-      listed[id] = true;
-    });
-  }
-  return disjoint;
-}
-static_assert(rows_are_disjoint());
+static_assert(rows_are_disjoint(kFormatTableRows));
 
 inline constexpr auto kFormatTable = [] {
   std::array<FormatRecord, kFormatCount> table{};

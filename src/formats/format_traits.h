@@ -4,6 +4,7 @@
 
 #include <array>
 #include <cstdint>
+#include <span>
 
 #include "formats/block_dims.h"
 #include "formats/extent.h"
@@ -17,14 +18,14 @@ namespace korvel {
 
 // Yes-or-no questions of the rules, one bit each.
 enum FormatRule : uint8_t {
-  kRuleDepthStencil = 0x1,             // always laid out tiled
-  kRuleBlockCompressed = 0x2,          // surface sizes are turned into blocks first
-  kRuleBlockFamily5 = 0x4,             // family 5 aligns its linear width in blocks
-  kRuleBlockFamily67 = 0x8,            // families 6 and 7 align its linear width in blocks
-  kRuleUnpaddedPitch = 0x10,           // its linear pitch is never padded
-  kRuleTallSampleTileFamily5 = 0x20,   // 2-byte elements in the tall sample tile
-  kRuleTallSampleTileFamily67 = 0x40,  //
-  kRuleWhole64Rows = 0x80,             // its linear heights take whole 64 rows
+  kRuleDepthStencil = 0x1,            // always laid out tiled
+  kRuleBlockCompressed = 0x2,         // surface sizes are turned into blocks first
+  kRuleBlockFamily5 = 0x4,            // family 5 aligns its linear width in blocks
+  kRuleBlockFamily67 = 0x8,           // families 6 and 7 align its linear width in blocks
+  kRuleUnpaddedPitch = 0x10,          // its linear pitch is never padded
+  kRuleTallSampleTileFamily5 = 0x20,  // 2-byte elements in the tall sample tile
+  kRuleTallSampleTileFamily67 = 0x40,
+  kRuleWhole64Rows = 0x80,  // its linear heights take whole 64 rows
 };
 
 // Which tile a format's elements take where their size leaves a choice.

@@ -1,6 +1,8 @@
 // The planes of multi-plane formats: the format that describes each, and its element size.
 #pragma once
 
+#include <korvel_utils.h>
+
 #include <algorithm>
 #include <cstdint>
 #include <iterator>
@@ -11,7 +13,7 @@
 namespace korvel {
 
 // Alignment arguments may name any plane; those from here on exist in no format.
-inline constexpr uint32_t kPlanes = 3;
+inline constexpr uint32_t kPlanes = KORVEL_MAX_PLANES;
 
 struct PlaneFormatRow {
   FormatId format;

@@ -32,7 +32,7 @@ constexpr Extent<Elements> video_sample_tile(const FormatTraits& format, uint32_
   return {half_width ? row.half_width : row.width, row.height};
 }
 
-constexpr Extent<Elements> sample_tile_family5(const FormatTraits& format, uint32_t samples) {
+constexpr Extent<Elements> sample_tile_dims_family5(const FormatTraits& format, uint32_t samples) {
   const Extent<Elements> tile = ordinary_sample_tile(format, samples, kRuleTallSampleTileFamily5);
   return tile.width != 0 ? tile : Extent<Elements>{1, 1};
 }
@@ -43,7 +43,7 @@ constexpr Extent<Elements> sample_tile_family5(const FormatTraits& format, uint3
 constexpr Extent<Elements> sample_tile_dims(uint32_t family_id, const FormatTraits& format,
                                             bool half_width, uint32_t samples) {
   switch (family_id) {
-    case 5: return sample_tile_family5(format, samples);
+    case 5: return sample_tile_dims_family5(format, samples);
     case 6:
     case 7:
       return format.video_sample_tile != kNoVideoFormat

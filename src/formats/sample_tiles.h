@@ -64,6 +64,8 @@ inline constexpr VideoSampleTileRow kVideoSampleTiles[] = {
 };
 // clang-format on
 
+static_assert(rows_are_disjoint(kVideoSampleTiles));
+
 inline constexpr uint8_t kNoVideoFormat = 0;
 inline constexpr uint8_t kUnlistedVideoFormat = 1;
 

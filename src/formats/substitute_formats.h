@@ -16,7 +16,7 @@ constexpr FormatId npot_substitute_format(FormatId format) {
   switch (bytes) {
     case 3: return kFormatR8G8B8A8Unorm;
     case 6: return kFormatR16G16B16A16Unorm;
-    default: return kFormatFourBytesAChannelUnorm;
+    default: return kFormatR32G32B32A32Unorm;
   }
 }
 
@@ -29,7 +29,7 @@ inline constexpr IdRange kListed12ByteFormats[] = {{5, 8}, {556}, {561}, {566}};
 constexpr FormatId listed_substitute_format(FormatId format) {
   if (contains(kListed3ByteFormats, format)) return kFormatR8G8B8A8Unorm;
   if (contains(kListed6ByteFormats, format)) return kFormatR16G16B16A16Unorm;
-  if (contains(kListed12ByteFormats, format)) return kFormatFourBytesAChannelUnorm;
+  if (contains(kListed12ByteFormats, format)) return kFormatR32G32B32A32Unorm;
   return format;
 }
 

@@ -17,9 +17,9 @@ struct UbwcFormatRow {
 
 // clang-format off
 inline constexpr UbwcFormatRow kUbwcFormats[] = {
-    {kUbwcColour, {{10}, {24}, {28, 29}, {87, 88}, {103}, {107}, {506, 507}, {520}, {614}, {619, 620}}},
+    {kUbwcBase, {{10}, {24}, {28, 29}, {87, 88}, {103}, {107}, {506, 507}, {520}, {614}, {619, 620}}},
     {kUbwcDepth,  {{40}, {45}, {55}, {548}, {610}}},
-    {kUbwcYuv,    {{104}, {654, 664}}},
+    {kUbwcFurtherYuv,    {{104}, {654, 664}}},
     {kUbwcPacked, {{683, 684}}},
     {kUbwcYuv16,  {{709, 711}}},
 };
@@ -33,12 +33,7 @@ inline constexpr auto kUbwcGroupOf = [] {
   return group_of;
 }();
 
-static_assert([] {
-  for (const UbwcFormatRow& row : kUbwcFormats) {
-    if (!is_sorted_list(row.ids)) return false;
-  }
-  return true;
-}());
+static_assert(rows_are_disjoint(kUbwcFormats));
 
 // Any 32-bit format number. An unknown chip has no group and compresses nothing.
 constexpr bool ubwc_supported(const ChipRow& chip, FormatId format) {

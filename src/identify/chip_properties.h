@@ -11,11 +11,11 @@ namespace korvel {
 struct ChipProperties {
   uint16_t base_alignment;          // bytes
   uint16_t linear_alignment;        // bytes
-  uint16_t aux_alignment;           // bytes a row: linear rows up to here are not pitch-padded
+  uint16_t aux_alignment;           // bytes; linear rows of layouts up to here are not pitch-padded
   uint16_t small_alignment;         // bytes
-  uint16_t pixel_alignment;         // elements
+  uint16_t pixel_alignment;         // elements; bytes of a linear surface's alignment
   uint16_t tiled_alignment;         // bytes
-  uint16_t min_level_extent;        // elements of a flag buffer
+  uint16_t min_level_extent;        // bytes of a chain's flag row, and flag rows
   uint16_t level_offset_alignment;  // bytes
   uint16_t level_size_alignment;    // bytes
   bool holds_minimum_tiling_width;  // see wide_enough_for_tiling
@@ -71,9 +71,10 @@ constexpr ChipProperties chip_properties(const ChipColumns& columns) {
 
 // Only supported chips are ever held to a minimum width. `width` in elements, `bytes_per_pixel` in
 // bytes.
-constexpr bool wide_enough_for_tiling(const ChipProperties& chip, int32_t width,
+constexpr bool wide_enough_for_tiling(const ChipProperties& properties, int32_t width,
                                       uint32_t bytes_per_pixel) {
-  return !chip.holds_minimum_tiling_width || width >= static_cast<int32_t>(16 * bytes_per_pixel);
+  return !properties.holds_minimum_tiling_width ||
+         width >= static_cast<int32_t>(16 * bytes_per_pixel);
 }
 
 }  // namespace korvel

@@ -19,18 +19,18 @@ inline constexpr uint32_t kChipIdQueryFailed = 0;
 // The groups of formats that chips keep in bandwidth compression or not, as bits of a row.
 enum UbwcGroup : uint8_t {
   kUbwcNone = 0,
-  kUbwcColour = 0x1,
+  kUbwcBase = 0x1,
   kUbwcDepth = 0x2,
-  kUbwcYuv = 0x4,     // 4:2:0 and 4:2:2
+  kUbwcFurtherYuv = 0x4,
   kUbwcPacked = 0x8,  // 683, 684
   kUbwcYuv16 = 0x10,  // 709-711
 };
 
-constexpr uint8_t ubwc_groups(const ChipUbwc& chip) {
-  if (chip.never) return kUbwcNone;
-  return static_cast<uint8_t>(kUbwcColour | (chip.depth_excluded ? 0 : kUbwcDepth) |
-                              (chip.yuv_a || chip.yuv_b ? kUbwcYuv : 0) |
-                              (chip.yuv_b ? kUbwcPacked : 0) | (chip.yuv16 ? kUbwcYuv16 : 0));
+constexpr uint8_t ubwc_groups(const ChipUbwc& sets) {
+  if (sets.never) return kUbwcNone;
+  return static_cast<uint8_t>(kUbwcBase | (sets.depth_excluded ? 0 : kUbwcDepth) |
+                              (sets.yuv_a || sets.yuv_b ? kUbwcFurtherYuv : 0) |
+                              (sets.yuv_b ? kUbwcPacked : 0) | (sets.yuv16 ? kUbwcYuv16 : 0));
 }
 
 struct alignas(64) ChipRow {

@@ -1,6 +1,7 @@
 #include "identify/gpu_identity.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <cstring>
 
 #include "platform/hxluser.h"
@@ -17,7 +18,7 @@ constexpr std::size_t kDeviceInfoChipIdOffset = 4;
 
 // The device record belongs to the services library; one word of it is known here.
 uint32_t device_chip_id(uint32_t device) {
-  unsigned char device_info[kDeviceInfoBytes];
+  alignas(uint64_t) unsigned char device_info[kDeviceInfoBytes];
   if (hxl_device_getinfo(device, device_info) != 0) return kChipIdQueryFailed;
   uint32_t chip_id;
   std::memcpy(&chip_id, device_info + kDeviceInfoChipIdOffset, sizeof chip_id);
@@ -61,7 +62,7 @@ std::size_t identify_gpu() {
     }
     if (chip_id == kChipIdNotIdentified) return kRowNotIdentified;
   }
-  gpu_identity.row.store(static_cast<uint32_t>(row), std::memory_order_relaxed);
+  gpu_identity.row.store(static_cast<uint32_t>(row), std::memory_order_release);
   return row;
 }
 

@@ -1,9 +1,10 @@
-// The hardware data: which chips exist and what each can do. Everything the library knows about a
-// GPU stands in the three tables of this file and nowhere else.
+// The hardware data: which chips exist, and which sets each belongs to. What it means to be in a set
+// stands where the set is used.
 //
 // THE ROWS ARE A DEVELOPMENT SET. They are made up, consistent, and satisfy every property that the
-// code relies on (identify/hardware_data_checks.cpp asserts them at compile time). The maker's own
-// rows replace them here without a change to any other file; docs/hardware-data.md says how.
+// code relies on. The maker's own rows replace them here, and no rule changes with them;
+// identify/hardware_data_checks.cpp asserts at compile time what holds of any rows and how many there
+// are of each kind, so that a new chip changes a count there. docs/hardware-data.md says how.
 #pragma once
 
 #include <cstdint>
@@ -43,10 +44,10 @@ struct ChipColumns {
 // The chip's place in the bandwidth compression sets.
 struct ChipUbwc {
   bool never;           // compresses no format at all
-  bool depth_excluded;  // `ubwc_depth_excluded_chips`: no depth formats
-  bool yuv_a;           // `ubwc_yuv_chips_a`
-  bool yuv_b;           // `ubwc_yuv_chips_b`
-  bool yuv16;           // `ubwc_yuv16_chips`
+  bool depth_excluded;  // all but the depth formats
+  bool yuv_a;           // also the further YUV formats
+  bool yuv_b;           // these and 683 and 684
+  bool yuv16;           // also 709-711
 };
 
 struct ChipData {

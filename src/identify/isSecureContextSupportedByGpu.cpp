@@ -1,7 +1,7 @@
+#include <korvel_utils.h>
+
 #include <cstddef>
 #include <cstring>
-
-#include <korvel_utils.h>
 
 #include "platform/hxluser.h"
 #include "platform/log.h"
@@ -24,7 +24,7 @@ uint32_t isSecureContextSupportedByGpu() {
   }
   const uint32_t device = hxl_device_open(korvel::kHxlGpuDevice, 0);
 
-  unsigned char device_info_ext[kDeviceInfoExtBytes];
+  alignas(uint64_t) unsigned char device_info_ext[kDeviceInfoExtBytes];
   os_memset(device_info_ext, 0, sizeof device_info_ext);
   std::memcpy(device_info_ext + kRecordSizeOffset, &kDeviceInfoExtBytes,
               sizeof kDeviceInfoExtBytes);

@@ -1,12 +1,13 @@
 // UUIDs: 16 bytes built as four little-endian 32-bit words.
 #pragma once
 
+#include <korvel_utils.h>
+
 #include <array>
 #include <bit>
+#include <cstddef>
 #include <cstdint>
 #include <cstring>
-
-#include <korvel_utils.h>
 
 namespace korvel {
 
@@ -15,9 +16,11 @@ static_assert(std::endian::native == std::endian::little, "UUID words are stored
 using UuidWords = std::array<uint32_t, 4>;
 static_assert(sizeof(UuidWords) == KORVEL_UUID_BYTES);
 
-// The layout-compatibility identity of this library. Word 1 is the driver version, word 2 the
-// layout version, which the validators look at one by one.
+// The layout-compatibility identity of this library. The validators look at its words one by one.
 inline constexpr UuidWords kDriverUuid = {4, 1, 3, 0};
+inline constexpr std::size_t kDriverKindWord = 0;
+inline constexpr std::size_t kDriverVersionWord = 1;
+inline constexpr std::size_t kLayoutVersionWord = 2;
 
 constexpr UuidWords device_uuid_words(uint32_t family_id, uint32_t model_code, uint32_t rev_id) {
   return {KORVEL_DEVICE_SIGNATURE, family_id, model_code, rev_id};

@@ -1,6 +1,6 @@
-#include <cstddef>
-
 #include <korvel_utils.h>
+
+#include <cstddef>
 
 #include "identify/uuid.h"
 #include "platform/log.h"

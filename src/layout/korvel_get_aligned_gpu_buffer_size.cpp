@@ -1,6 +1,6 @@
-#include <cstddef>
-
 #include <korvel_utils.h>
+
+#include <cstddef>
 
 #include "layout/stored_word.h"
 

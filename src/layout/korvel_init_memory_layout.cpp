@@ -23,15 +23,12 @@ constexpr MetadataHeader kHeader = {
     .record_size = sizeof(MemoryLayout),
 };
 
-// A row of one element is counted in bits and back, which drops the upper three bits of its bytes.
-constexpr uint32_t kRowMask_bytes = 0x1FFFFFFF;
-
 constexpr uint32_t surface_alignment_bytes(const ChipRow& chip, const FormatTraits& format,
                                            uint32_t samples, uint32_t tiling_mode) {
   switch (tiling_mode) {
     case KORVEL_TILING_TILED: return chip.properties.tiled_alignment;
     case KORVEL_TILING_LINEAR:
-      return round_up_pot<uint32_t>(format.substitute_bytes * samples & kRowMask_bytes,
+      return round_up_pot<uint32_t>(format.substitute_bytes * samples,
                                     chip.properties.pixel_alignment);
     default: return 0;
   }
@@ -69,8 +66,6 @@ uint32_t korvel_init_memory_layout(void* blob, int32_t width, int32_t height, in
 
   auto& metadata = *static_cast<LayoutMetadata*>(blob);
   korvel::write_header(chip, format, samples, tiling_mode, metadata);
-  // Depth/stencil formats have passed the check as tiled ones: the mode asked for is the mode laid
-  // out.
   const korvel::Surface surface = korvel::described_surface(chip, {width, height}, depth, format,
                                                             samples, tiling_mode, flags, planes);
   korvel::lay_out_single_level_surface(surface, 1, metadata.layout);

@@ -50,7 +50,7 @@ constexpr FlagPlacement flag_placement(const Surface& surface) {
   return is_tiled(surface.alignment) ? FlagPlacement::gathered : FlagPlacement::none;
 }
 
-// A size above 2^31 wraps to 0.
+// Read without its sign; a size above 2^31 wraps to 0.
 constexpr uint32_t next_power_of_two(int32_t size) {
   constexpr uint32_t kLargest = 1U << 31;
   const auto count = static_cast<uint32_t>(size);
@@ -82,18 +82,21 @@ constexpr bool takes_whole_tiles(const Surface& surface) {
          !has_rule(alignment.format, kRuleBlockFamily67) && !surface.extended;
 }
 
-// No size is refused here, and a plane looks its tile up once: half the instructions of a chain.
+// The sizes that the rules come to, where none is refused; a plane looks its tile up once, which
+// saves a third of a chain's instructions.
 void size_in_whole_tiles(const Surface& surface, uint32_t levels, uint32_t plane,
                          ChainImages& images) {
   const Extent<Elements> tile = plane_tile_family67(surface.alignment, plane);
   SignedExtent<Texels> texels = first_level(surface.size);
   for (uint32_t level = 0; level < levels; ++level, texels = next_level(texels)) {
+    const SignedExtent<Elements> elements = one_texel_elements(texels);
     images.level[level] = whole_tiles(
-        {static_cast<uint32_t>(texels.width), static_cast<uint32_t>(texels.height)}, tile);
+        {static_cast<uint32_t>(elements.width), static_cast<uint32_t>(elements.height)}, tile);
   }
 }
 
-// Level by level, and each level's planes in turn: so come the messages of sizes that are refused.
+// Level by level, and each level's planes in turn: so come the messages of sizes that are refused,
+// and the fault of a flag buffer whose tile is not known.
 void size_by_rules(const Surface& surface, uint32_t levels, ChainImages* images,
                    MemoryLayout& record) {
   SignedExtent<Texels> texels = first_level(surface.size);
@@ -164,7 +167,7 @@ void place_chain(uint32_t levels, uint32_t plane, FlagPlacement placement, uint6
 
 // At most 15 levels and 3 planes.
 void lay_out_mip_chains(const Surface& surface, uint32_t levels, MemoryLayout& record) {
-  const ChipProperties& chip = surface.chip.properties;
+  const ChipProperties& properties = surface.chip.properties;
   const FlagPlacement placement = flag_placement(surface);
   const bool whole_tiles = takes_whole_tiles(surface);
   ChainImages images[KORVEL_MAX_PLANES];
@@ -181,10 +184,11 @@ void lay_out_mip_chains(const Surface& surface, uint32_t levels, MemoryLayout& r
     const ChainBytes slice =
         append_levels(surface, levels, plane, images[plane], placement, record);
     const uint64_t flag_slice_bytes =
-        round_up_pot<uint64_t>(slice.gathered_flags, chip.level_size_alignment);
-    const uint64_t slice_bytes = round_up_pot<uint64_t>(slice.images, chip.base_alignment);
+        round_up_pot<uint64_t>(slice.gathered_flags, properties.level_size_alignment);
+    const uint64_t slice_bytes = round_up_pot<uint64_t>(slice.images, properties.base_alignment);
     const uint64_t images_from = end_bytes + bytes_of_all_slices(surface, flag_slice_bytes);
-    const uint64_t start_bytes = round_up_pot<uint64_t>(images_from, chip.level_offset_alignment);
+    const uint64_t start_bytes =
+        round_up_pot<uint64_t>(images_from, properties.level_offset_alignment);
     place_chain(levels, plane, placement, start_bytes, slice_bytes, flag_slice_bytes, record);
     end_bytes = start_bytes + bytes_of_all_slices(surface, slice_bytes);
   }
@@ -210,8 +214,8 @@ void korvel_init_multi_level_surface(MemoryLayout* record, uint32_t width, uint3
       static_cast<int32_t>(height)};
   korvel::Surface surface =
       korvel::described_surface(chip, base, depth, format, samples, tiling_mode, flags, planes);
-  // No row of a chain is pitch-padded, and its linear widths are aligned in bytes.
+  // No row of a chain is pitch-padded, and its linear widths go up to whole bytes of a step.
   surface.alignment.min_padded_row_bytes = std::numeric_limits<int32_t>::max();
-  surface.alignment.divisor = surface.element_bytes;
+  surface.alignment.step_divisor = surface.element_bytes;
   korvel::lay_out_mip_chains(surface, levels, *record);
 }

@@ -1,10 +1,10 @@
 // Where every word of the stored records stands. Records outlive the program that wrote them, so an
 // offset that moves is a mistake, and the compiler stops here. There is no code in this file.
+#include <korvel_utils.h>
+
 #include <cstddef>
 #include <cstdint>
 #include <type_traits>
-
-#include <korvel_utils.h>
 
 namespace korvel {
 namespace {

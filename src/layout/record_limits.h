@@ -1,9 +1,9 @@
 // The record's own limits: what its words can hold, and how many entries.
 #pragma once
 
-#include <cstdint>
-
 #include <korvel_utils.h>
+
+#include <cstdint>
 
 #include "platform/log.h"
 

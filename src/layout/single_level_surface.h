@@ -17,11 +17,11 @@ inline constexpr uint32_t kFlagRowAlignment = 16;  // rows of a flag buffer
 // Puts a flag buffer at `offset_bytes`. Returns its bytes.
 inline uint32_t lay_out_flag_buffer(const Surface& surface, uint32_t plane, Extent<Elements> image,
                                     uint64_t offset_bytes, PlaneLayout& out) {
-  const ChipProperties& chip = surface.chip.properties;
+  const ChipProperties& properties = surface.chip.properties;
   const Extent<Tiles> tiles = tiles_that_cover(image, flag_tile(surface, plane));
   const uint32_t rows = round_up_pot(tiles.height, kFlagRowAlignment);
-  const uint32_t pitch_bytes = round_up_pot<uint32_t>(tiles.width, chip.linear_alignment);
-  const uint32_t size_bytes = round_up_pot<uint32_t>(rows * pitch_bytes, chip.base_alignment);
+  const uint32_t pitch_bytes = round_up_pot<uint32_t>(tiles.width, properties.linear_alignment);
+  const uint32_t size_bytes = round_up_pot<uint32_t>(rows * pitch_bytes, properties.base_alignment);
   out.flag_pitch = pitch_bytes;
   out.flag_offset = offset_bytes;
   out.flag_size = size_bytes;
@@ -34,25 +34,26 @@ inline uint64_t lay_out_plane(const Surface& surface, SignedExtent<Elements> siz
                               uint64_t offset_bytes, PlaneLayout& out) {
   const Extent<Elements> image = fdm_extent(surface.chip, size, surface.alignment, plane);
   const uint32_t pitch_bytes = surface.element_bytes * image.width;
-  const uint32_t image_bytes =
+  // Wraps at 32 bits; the base alignment is one of 64.
+  const uint32_t mode_aligned_bytes =
       round_up_pot(pitch_bytes * image.height, surface.image_alignment_bytes);
-  const uint64_t image_size_bytes =
-      round_up_pot<uint64_t>(image_bytes, surface.chip.properties.base_alignment);
+  const uint64_t image_bytes =
+      round_up_pot<uint64_t>(mode_aligned_bytes, surface.chip.properties.base_alignment);
 
   uint32_t flag_bytes = 0;
   if (surface.flag_buffers) {
     flag_bytes = lay_out_flag_buffer(surface, plane, image, offset_bytes, out);
-    out.flag_slice_pitch = flag_bytes + image_size_bytes;
+    out.flag_slice_pitch = flag_bytes + image_bytes;
   }
   out.flag_valid = surface.flag_buffers ? 1 : 0;
   out.image_offset = offset_bytes + flag_bytes;
-  out.image_size = image_size_bytes;
+  out.image_size = image_bytes;
   out.image_pitch = pitch_bytes;
-  out.image_slice_pitch = flag_bytes + image_size_bytes;
+  out.image_slice_pitch = flag_bytes + image_bytes;
   out.image_element_size = surface.element_bytes;
   out.image_width = image.width;
   out.image_height = image.height;
-  return flag_bytes + image_size_bytes;
+  return flag_bytes + image_bytes;
 }
 
 // At most 15 levels and 3 planes; the planes of a level follow those of the level before.

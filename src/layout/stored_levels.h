@@ -17,6 +17,7 @@ struct MemoryLayoutKind {
   using Level = LevelLayout;
   using Plane = PlaneLayout;
   static constexpr std::size_t kLevels = offsetof(MemoryLayout, level);
+  static constexpr std::size_t kPlanes = offsetof(LevelLayout, plane);
   static constexpr bool kHasActualSize = false;
   static constexpr const char* kValidator = "validate_resource_memory_layout_metadata";
 };
@@ -26,6 +27,7 @@ struct SurfaceMetadataKind {
   using Level = SurfaceLevel;
   using Plane = SurfacePlane;
   static constexpr std::size_t kLevels = offsetof(SurfaceMetadata, level);
+  static constexpr std::size_t kPlanes = offsetof(SurfaceLevel, plane);
   static constexpr bool kHasActualSize = true;
   static constexpr const char* kValidator = "validate_surface_metadata";
 };
@@ -67,68 +69,71 @@ struct StoredLrz {
   uint32_t height;  // rows
 };
 
+// Where a level of a record and a plane of a level stand.
 template <typename Kind>
 const unsigned char* stored_level(const unsigned char* record, uint32_t level) {
   return record + Kind::kLevels + level * sizeof(typename Kind::Level);
 }
 
 template <typename Kind>
-const unsigned char* stored_plane(const unsigned char* level, uint32_t plane) {
-  return level + offsetof(typename Kind::Level, plane) + plane * sizeof(typename Kind::Plane);
+const unsigned char* stored_plane(const unsigned char* level_at, uint32_t plane) {
+  return level_at + Kind::kPlanes + plane * sizeof(typename Kind::Plane);
 }
 
 template <typename Kind>
-inline StoredImage stored_image(const unsigned char* plane) {
+inline StoredImage stored_image(const unsigned char* plane_at) {
   using Plane = typename Kind::Plane;
+  const auto width = KORVEL_STORED(plane_at, Plane, image_width);
+  const auto height = KORVEL_STORED(plane_at, Plane, image_height);
   StoredImage image = {
-      .buffer = {.offset = KORVEL_STORED(plane, Plane, image_offset),
-                 .slice_pitch = KORVEL_STORED(plane, Plane, image_slice_pitch),
-                 .size = KORVEL_STORED(plane, Plane, image_size)},
-      .pitch = KORVEL_STORED(plane, Plane, image_pitch),
-      .element_size = KORVEL_STORED(plane, Plane, image_element_size),
-      .width = KORVEL_STORED(plane, Plane, image_width),
-      .height = KORVEL_STORED(plane, Plane, image_height),
-      .covered_width = image.width,
-      .covered_height = image.height,
+      .buffer = {.offset = KORVEL_STORED(plane_at, Plane, image_offset),
+                 .slice_pitch = KORVEL_STORED(plane_at, Plane, image_slice_pitch),
+                 .size = KORVEL_STORED(plane_at, Plane, image_size)},
+      .pitch = KORVEL_STORED(plane_at, Plane, image_pitch),
+      .element_size = KORVEL_STORED(plane_at, Plane, image_element_size),
+      .width = width,
+      .height = height,
+      .covered_width = width,
+      .covered_height = height,
   };
   if constexpr (Kind::kHasActualSize) {
-    image.covered_width = KORVEL_STORED(plane, Plane, actual_width);
-    image.covered_height = KORVEL_STORED(plane, Plane, actual_height);
+    image.covered_width = KORVEL_STORED(plane_at, Plane, actual_width);
+    image.covered_height = KORVEL_STORED(plane_at, Plane, actual_height);
   }
   return image;
 }
 
 template <typename Kind>
-inline StoredFlagBuffer stored_flag_buffer(const unsigned char* plane) {
+inline StoredFlagBuffer stored_flag_buffer(const unsigned char* plane_at) {
   using Plane = typename Kind::Plane;
   return {
-      .buffer = {.offset = KORVEL_STORED(plane, Plane, flag_offset),
-                 .slice_pitch = KORVEL_STORED(plane, Plane, flag_slice_pitch),
-                 .size = KORVEL_STORED(plane, Plane, flag_size)},
-      .pitch = KORVEL_STORED(plane, Plane, flag_pitch),
+      .buffer = {.offset = KORVEL_STORED(plane_at, Plane, flag_offset),
+                 .slice_pitch = KORVEL_STORED(plane_at, Plane, flag_slice_pitch),
+                 .size = KORVEL_STORED(plane_at, Plane, flag_size)},
+      .pitch = KORVEL_STORED(plane_at, Plane, flag_pitch),
   };
 }
 
 template <typename Kind>
-inline StoredLrz stored_lrz(const unsigned char* level) {
+inline StoredLrz stored_lrz(const unsigned char* level_at) {
   using Level = typename Kind::Level;
   return {
-      .buffer = {.offset = KORVEL_STORED(level, Level, lrz_offset),
-                 .slice_pitch = KORVEL_STORED(level, Level, lrz_slice_pitch),
-                 .size = KORVEL_STORED(level, Level, lrz_size)},
-      .pitch = KORVEL_STORED(level, Level, lrz_pitch),
-      .width = KORVEL_STORED(level, Level, lrz_width),
-      .height = KORVEL_STORED(level, Level, lrz_height),
+      .buffer = {.offset = KORVEL_STORED(level_at, Level, lrz_offset),
+                 .slice_pitch = KORVEL_STORED(level_at, Level, lrz_slice_pitch),
+                 .size = KORVEL_STORED(level_at, Level, lrz_size)},
+      .pitch = KORVEL_STORED(level_at, Level, lrz_pitch),
+      .width = KORVEL_STORED(level_at, Level, lrz_width),
+      .height = KORVEL_STORED(level_at, Level, lrz_height),
   };
 }
 
 // The fast-clear buffer serves all slices.
 template <typename Kind>
-inline StoredBuffer stored_lrz_fast_clear(const unsigned char* level) {
+inline StoredBuffer stored_lrz_fast_clear(const unsigned char* level_at) {
   using Level = typename Kind::Level;
-  return {.offset = KORVEL_STORED(level, Level, lrz_fc_offset),
+  return {.offset = KORVEL_STORED(level_at, Level, lrz_fc_offset),
           .slice_pitch = 0,
-          .size = KORVEL_STORED(level, Level, lrz_fc_size)};
+          .size = KORVEL_STORED(level_at, Level, lrz_fc_size)};
 }
 
 // `slices` is 1 or more. An end that does not fit 64 bits lies outside every surface.

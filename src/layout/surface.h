@@ -15,7 +15,6 @@
 #include "formats/sample_tile_dims.h"
 #include "formats/ubwc_formats.h"
 #include "identify/chip_row.h"
-#include "platform/division.h"
 #include "platform/rounding.h"
 
 namespace korvel {
@@ -29,8 +28,8 @@ struct Surface {
   uint32_t element_bytes;          // all samples
   uint32_t image_alignment_bytes;  // what an image of the tiling mode is rounded up to
   bool flag_buffers;               // asked for, and the chip compresses the format
-  bool extra;                      // the extra buffer was asked for
-  bool extended;                   // together with the extra padding
+  bool extra_buffer;               // asked for
+  bool extended;                   // asked for beside it: the chip's extra padding
 };
 
 // Arguments as the initialisers take them. Linear rows longer than the chip's threshold are padded.
@@ -39,11 +38,11 @@ constexpr Surface described_surface(const ChipRow& chip, SignedExtent<Texels> si
                                     uint64_t flags, uint32_t planes) {
   const ChipProperties& properties = chip.properties;
   const bool tiled = tiling_mode == KORVEL_TILING_TILED;
-  const bool extra = (flags & LAYOUT_FLAG_EXTRA) != 0;
-  const bool extended = extra && (flags & LAYOUT_FLAG_EXTENDED) != 0;
+  const bool extra_buffer = (flags & LAYOUT_FLAG_EXTRA) != 0;
+  const bool extended = extra_buffer && (flags & LAYOUT_FLAG_EXTENDED) != 0;
   AlignmentRequest alignment =
       alignment_request(format, samples, tiling_mode, properties.aux_alignment);
-  if (extended) alignment.extra = extra_padding(chip, format);
+  if (extended) alignment.padding = extra_padding(chip, format);
   return {
       .chip = chip,
       .alignment = alignment,
@@ -53,7 +52,7 @@ constexpr Surface described_surface(const ChipRow& chip, SignedExtent<Texels> si
       .element_bytes = alignment.format.bytes * samples,
       .image_alignment_bytes = tiled ? properties.tiled_alignment : properties.linear_alignment,
       .flag_buffers = (flags & LAYOUT_FLAG_UBWC) != 0 && ubwc_supported(chip, format),
-      .extra = extra,
+      .extra_buffer = extra_buffer,
       .extended = extended,
   };
 }
@@ -72,7 +71,7 @@ constexpr SignedExtent<Texels> next_level(SignedExtent<Texels> level) {
 constexpr SignedExtent<Elements> level_elements(const Surface& surface,
                                                 SignedExtent<Texels> level) {
   const FormatTraits& format = surface.alignment.format;
-  if (!has_rule(format, kRuleBlockCompressed)) return {level.width, level.height};
+  if (!has_rule(format, kRuleBlockCompressed)) return one_texel_elements(level);
   const Extent<Elements> blocks =
       compressed_extent(format, surface.chip.properties.pixel_alignment, level);
   return {static_cast<int32_t>(blocks.width), static_cast<int32_t>(blocks.height)};
@@ -104,8 +103,8 @@ inline void mark_lrz_absent(LevelLayout& level) {
 // Writes the extra buffer and the total, the last words of a laid-out record. `surface_bytes` is
 // where the planes end. The record's alignment and size are read.
 inline void finish_record(const Surface& surface, uint64_t surface_bytes, MemoryLayout& record) {
-  record.extra_valid = surface.extra ? 1 : 0;
-  if (surface.extra) [[unlikely]] {
+  record.extra_valid = surface.extra_buffer ? 1 : 0;
+  if (surface.extra_buffer) [[unlikely]] {
     const uint64_t extra_bytes = bytes_of_all_slices(surface, KORVEL_EXTRA_SLICE_BYTES);
     record.extra_slice_pitch = KORVEL_EXTRA_SLICE_BYTES;
     record.extra_offset = surface_bytes;

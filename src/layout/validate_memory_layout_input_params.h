@@ -1,9 +1,9 @@
 // The input check of korvel_init_memory_layout.
 #pragma once
 
-#include <cstdint>
-
 #include <korvel_utils.h>
+
+#include <cstdint>
 
 #include "formats/format_traits.h"
 #include "layout/record_limits.h"

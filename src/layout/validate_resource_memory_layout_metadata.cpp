@@ -1,17 +1,14 @@
-#include <cstddef>
-
 #include <korvel_utils.h>
 
+#include <cstddef>
+
 #include "layout/plain_levels.h"
-#include "layout/record_header_checks.h"
+#include "layout/validate_record_header.h"
 
 namespace korvel {
 namespace {
 
 constexpr const char* kName = MemoryLayoutKind::kValidator;
-
-constexpr std::size_t kDriverVersionWord = 1;
-constexpr std::size_t kLayoutVersionWord = 2;
 
 struct LayoutVersion {
   uint32_t version;

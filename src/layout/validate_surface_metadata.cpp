@@ -1,17 +1,14 @@
-#include <cstddef>
-
 #include <korvel_utils.h>
 
+#include <cstddef>
+
 #include "layout/plain_levels.h"
-#include "layout/record_header_checks.h"
+#include "layout/validate_record_header.h"
 
 namespace korvel {
 namespace {
 
 constexpr const char* kName = SurfaceMetadataKind::kValidator;
-
-// Not the word that the layout record's validator compares.
-constexpr std::size_t kDriverSignatureWord = 0;
 
 // Who wrote the record, and that it is one.
 bool identity_passes(const unsigned char* record, const uint8_t* device_uuid,
@@ -35,8 +32,8 @@ bool identity_passes(const unsigned char* record, const uint8_t* device_uuid,
     return false;
   }
   const unsigned char* stored_driver = record + offsetof(SurfaceMetadata, driver_uuid);
-  if (uuid_word(stored_driver, kDriverSignatureWord) !=
-      uuid_word(driver_uuid, kDriverSignatureWord)) {
+  // Not the word that the other validator compares.
+  if (uuid_word(stored_driver, kDriverKindWord) != uuid_word(driver_uuid, kDriverKindWord)) {
     const UuidTexts texts = uuid_texts(stored_driver, driver_uuid);
     KORVEL_LOG(kName, "Metadata driver version mismatch {store uuid %s, struct uuid %s}",
                texts.stored, texts.callers);

@@ -1,10 +1,10 @@
 // Header checks that both validators make.
 #pragma once
 
+#include <korvel_utils.h>
+
 #include <cstddef>
 #include <cstdint>
-
-#include <korvel_utils.h>
 
 #include "formats/format_ids.h"
 #include "identify/uuid.h"
@@ -17,8 +17,8 @@ namespace korvel {
 
 // The two UUIDs of a mismatch as text.
 struct UuidTexts {
-  char stored[64];
-  char callers[64];
+  char stored[KORVEL_UUID_TEXT_BYTES];
+  char callers[KORVEL_UUID_TEXT_BYTES];
 };
 
 [[gnu::cold]] inline UuidTexts uuid_texts(const unsigned char* stored, const uint8_t* callers) {

@@ -11,7 +11,7 @@
 
 namespace korvel {
 
-// What the levels so far have in common.
+// What a level is held against: the tiling of the level before, the depth buffer of level 0.
 struct LevelState {
   uint32_t tiled;
   uint32_t lrz_valid;
@@ -80,10 +80,10 @@ bool image_passes(const StoredImage& image, const LevelPlace& at, uint32_t plane
 }
 
 template <typename Kind>
-bool flag_buffer_passes(const unsigned char* stored, const LevelPlace& at, uint32_t plane,
+bool flag_buffer_passes(const unsigned char* plane_at, const LevelPlace& at, uint32_t plane,
                         uint32_t tiled) {
   using Plane = typename Kind::Plane;
-  const auto valid = KORVEL_STORED(stored, Plane, flag_valid);
+  const auto valid = KORVEL_STORED(plane_at, Plane, flag_valid);
   if (valid == 0) return true;
   if (valid != 1) {
     KORVEL_REFUSE("Metadata level flagbuffer valid bit invalid {level %u, plane %u, valid %u}",
@@ -93,7 +93,7 @@ bool flag_buffer_passes(const unsigned char* stored, const LevelPlace& at, uint3
     KORVEL_REFUSE("Metadata level flagbuffer enabled but tiling is disabled {level %u, plane %u}",
                   at.level, plane);
   }
-  const StoredFlagBuffer flag = stored_flag_buffer<Kind>(stored);
+  const StoredFlagBuffer flag = stored_flag_buffer<Kind>(plane_at);
   const StoredBuffer& buffer = flag.buffer;
   if (exceeds_surface(buffer, at.slices, at.surface_size_bytes)) {
     KORVEL_REFUSE(
@@ -175,32 +175,32 @@ bool lrz_fast_clear_passes(const StoredBuffer& fast_clear, const LevelPlace& at)
 }
 
 template <typename Kind>
-bool level_passes(const unsigned char* stored, uint32_t level, const CheckedHeader& header,
+bool level_passes(const unsigned char* level_at, uint32_t level, const CheckedHeader& header,
                   LevelState& chain) {
   using Level = typename Kind::Level;
-  const auto size = KORVEL_STORED(stored, Level, size);
+  const auto size = KORVEL_STORED(level_at, Level, size);
   if (size == 0 || size > header.total_size) {
     KORVEL_REFUSE("Metadata level size is invalid value {level %u, size %llu, surface size %llu}",
                   level, llu(size), llu(header.total_size));
   }
-  const auto slices = KORVEL_STORED(stored, Level, slices);
+  const auto slices = KORVEL_STORED(level_at, Level, slices);
   if (slices == 0 || slices > KORVEL_MAX_SLICES) {
     KORVEL_REFUSE("Metadata level slices is invalid value {level %u, slices %u}", level, slices);
   }
-  const auto tiled = KORVEL_STORED(stored, Level, tiled);
+  const auto tiled = KORVEL_STORED(level_at, Level, tiled);
   if (tiled > 1) {
     KORVEL_REFUSE("Metadata level tiled is invalid value {level %u, tiled %u}", level, tiled);
   }
-  const auto planes = KORVEL_STORED(stored, Level, planes);
+  const auto planes = KORVEL_STORED(level_at, Level, planes);
   if (planes == 0 || planes > KORVEL_MAX_PLANES) {
     KORVEL_REFUSE("Metadata level planes is invalid value {level %u, planes %u}", level, planes);
   }
-  const auto lrz_valid = KORVEL_STORED(stored, Level, lrz_valid);
+  const auto lrz_valid = KORVEL_STORED(level_at, Level, lrz_valid);
   if (lrz_valid > 1) {
     KORVEL_REFUSE("Metadata level lrz valid bit is invalid value {level %u, lrz valid %u}", level,
                   lrz_valid);
   }
-  const auto lrz_fc_valid = KORVEL_STORED(stored, Level, lrz_fc_valid);
+  const auto lrz_fc_valid = KORVEL_STORED(level_at, Level, lrz_fc_valid);
   if (lrz_fc_valid > 1) {
     KORVEL_REFUSE("Metadata level lrz fc valid bit is invalid value {level %u, lrz fc valid %u}",
                   level, lrz_fc_valid);
@@ -215,13 +215,13 @@ bool level_passes(const unsigned char* stored, uint32_t level, const CheckedHead
   const LevelPlace at = {
       .level = level, .slices = slices, .surface_size_bytes = header.surface_size};
   if (lrz_valid == 1) {
-    if (!lrz_passes<Kind>(stored_lrz<Kind>(stored), at)) return false;
-    if (!lrz_fast_clear_passes<Kind>(stored_lrz_fast_clear<Kind>(stored), at)) return false;
+    if (!lrz_passes<Kind>(stored_lrz<Kind>(level_at), at)) return false;
+    if (!lrz_fast_clear_passes<Kind>(stored_lrz_fast_clear<Kind>(level_at), at)) return false;
   }
   for (uint32_t plane = 0; plane < planes; ++plane) {
-    const unsigned char* stored_at = stored_plane<Kind>(stored, plane);
-    if (!image_passes<Kind>(stored_image<Kind>(stored_at), at, plane)) return false;
-    if (!flag_buffer_passes<Kind>(stored_at, at, plane, tiled)) return false;
+    const unsigned char* plane_at = stored_plane<Kind>(level_at, plane);
+    if (!image_passes<Kind>(stored_image<Kind>(plane_at), at, plane)) return false;
+    if (!flag_buffer_passes<Kind>(plane_at, at, plane, tiled)) return false;
   }
   return true;
 }
