@@ -113,8 +113,9 @@ struct WrapTable {
   std::vector<WrapRow> rows;
 };
 
-// Beside each row: its texel rows, the multiples of 2^32 apart, which vanish; -> whole tiles, where
-// they are other ones; -> those as a signed number, where 2^31 is passed; -> rows of blocks.
+// Beside each row, as far as a step changes the number: its texel rows, of which 32 bits keep what
+// is added to a multiple of 2^32; -> these in whole tiles; -> that as a signed number; -> rows of
+// blocks.
 // clang-format off
 const WrapTable kTiledWraps[] = {
     // a tile is 32 rows, 2^31 = 67108864 x 32
@@ -353,8 +354,8 @@ uint32_t height_beside_row_bytes(const harness::Gpu& gpu, const Request& r) {
   uint32_t aligned_row_bytes = kCanary;
   uint32_t minimal_row_bytes = kCanary;
   uint32_t height = kCanary;
-  const AlignInBytesParams params{r.width_el,   r.height_rows,   r.plane,      r.format,
-                                  r.samples, r.selector, r.min_padded_row_bytes, &mode};
+  const AlignInBytesParams params{r.width_el, r.height_rows,          r.plane, r.format, r.samples,
+                                  r.selector, r.min_padded_row_bytes, &mode};
   const AlignInBytesResult result{&aligned_row_bytes, &minimal_row_bytes, &height};
   gpu->compute_fmt_aligned_width_and_height_in_bytes(&params, &result);
   EXPECT_EQ(mode, r.tiling_mode) << "too narrow to be tiled: " << describe(r);
@@ -381,7 +382,10 @@ void expect_wraps(const WrapTable& table, uint32_t mode) {
   for (const uint32_t family_id : {6u, 7u}) {
     const harness::Gpu gpu(chip_with_32_extra_rows(family_id).chip_id);
     for (const WrapRow& row : table.rows) {
-      Request r{.width_el = 4096, .format = table.format, .tiling_mode = mode, .min_padded_row_bytes = kNeverPad};
+      Request r{.width_el = 4096,
+                .format = table.format,
+                .tiling_mode = mode,
+                .min_padded_row_bytes = kNeverPad};
       const auto expect = [&](const char* entry, uint32_t height) {
         EXPECT_EQ(height, row.expected)
             << entry << ", family " << family_id << ", block height " << table.block_height << ": "

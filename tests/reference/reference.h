@@ -53,7 +53,7 @@ struct ChipFacts {
   int32_t max_surface_pitch = 0;  // elements, 0 when the model is not listed
 
   // The extra padding counts in extra_padding_units * extra_padding_factor.
-  uint32_t extra_padding_units = 0;  // by family
+  uint32_t extra_padding_units = 0;   // by family
   uint32_t extra_padding_factor = 0;  // by model code
 };
 
