@@ -1,5 +1,5 @@
-// What every alignment entry with a format owes: the rules' own answer, and sizes that are at least
-// those asked for and grow with them.
+// The properties of every alignment entry that takes a format: it answers as the rules do, and its
+// sizes are at least those asked for and grow with them.
 #pragma once
 
 #include "fuzz/alignment_arguments.h"

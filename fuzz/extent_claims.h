@@ -1,10 +1,10 @@
-// What an aligned size owes to the size that was asked for.
+// How an aligned size compares with the size that was asked for.
 //
 // Aligned sizes are at least the sizes asked for, and grow with them, except where the hardware's
 // rules leave that on purpose:
 //   - a 32-bit product of the rule wraps;
 //   - a linear width is rounded up by a mask, which is exact for powers of two only: sample counts
-//     and divisors that are none make the step one that is none;
+//     and divisors that are no powers of two make a step that is none either;
 //   - padded linear widths end at the pitch limit, which may lie below the width;
 //   - padding is not monotone: it looks for the next pitch that spreads rows over the memory
 //     channels, and 256 eight-byte elements become 384 where 320 stay 320.

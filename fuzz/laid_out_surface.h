@@ -1,5 +1,5 @@
-// What a record that an initialiser wrote owes: planes that do not overlap and lie inside the
-// surface, and a record that validates.
+// The properties of a record that an initialiser wrote: its planes do not overlap and lie inside the
+// surface, and it validates.
 #pragma once
 
 #include <cstdint>
@@ -26,7 +26,7 @@ struct LaidOutSurface {
   Slices slices;
 };
 
-// Requires what is owed, as far as the layout is one that owes it.
+// Require the property of layouts that are to have it; laid_out_surface.cpp says which those are.
 void require_apart_and_inside(const LaidOutSurface& surface);
 void require_valid(Machine& machine, const LaidOutSurface& surface);
 

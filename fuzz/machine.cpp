@@ -65,12 +65,13 @@ std::vector<Machine> start_machines() {
   machines.push_back(start("family 5", facts_of(compressing_chip(5))));
   machines.push_back(start("family 6", facts_of(compressing_chip(6))));
   machines.push_back(start("family 7", facts_of(compressing_chip(7))));
-  machines.push_back(start("family 7 without a pitch limit",
-                           facts_of(harness::chip_where("so", [](const ChipData& chip) {
-                             return chip.family_id == 7 && chip.supported &&
-                                    in_every_column(chip.columns) &&
-                                    harness::model_of(chip).max_surface_pitch == 0;
-                           }))));
+  machines.push_back(
+      start("family 7 without a pitch limit",
+            facts_of(harness::chip_where(
+                "full, of family 7 and without a pitch limit", [](const ChipData& chip) {
+                  return chip.family_id == 7 && chip.supported && in_every_column(chip.columns) &&
+                         harness::model_of(chip).max_surface_pitch == 0;
+                }))));
   machines.push_back(lacking("no base alignment", &ChipColumns::base_alignment, 7));
   machines.push_back(lacking("no linear alignment", &ChipColumns::linear_alignment, 6));
   machines.push_back(lacking("no auxiliary alignment", &ChipColumns::aux_alignment, 6));
@@ -79,13 +80,15 @@ std::vector<Machine> start_machines() {
   machines.push_back(lacking("no least level extent", &ChipColumns::min_level_extent, 7));
   machines.push_back(lacking("no level offset alignment", &ChipColumns::level_offset_alignment, 5));
   machines.push_back(lacking("no level size alignment", &ChipColumns::level_size_alignment, 7));
+  machines.push_back(start("never compressing", facts_of(harness::chip_where(
+                                                    "never compressing", [](const ChipData& chip) {
+                                                      return chip.ubwc.never;
+                                                    }))));
   machines.push_back(start(
-      "never compressing",
-      facts_of(harness::chip_where("so", [](const ChipData& chip) { return chip.ubwc.never; }))));
-  machines.push_back(
-      start("without alignment rules", facts_of(harness::chip_where("so", [](const ChipData& chip) {
-              return !chip.supported && in_every_column(chip.columns);
-            }))));
+      "without alignment rules",
+      facts_of(harness::chip_where(
+          "in every column and without alignment rules",
+          [](const ChipData& chip) { return !chip.supported && in_every_column(chip.columns); }))));
   machines.push_back(start("unknown chip", facts_of_unknown_chip(harness::kUnknownChip)));
   machines.push_back(start("no device", facts_of_unknown_chip(0), HXL_SIM_FAIL_DEVICE_OPEN));
   // Asks again at every call.

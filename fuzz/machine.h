@@ -50,7 +50,7 @@ bool both_answer(Machine& machine, Rules rules, Library library) {
   switch_services_to(machine);
   const bool faulted = ends_in_division_fault(library);
   REQUIRE(faulted == !answers);
-  // What was said before a fault is nobody's business.
+  // Messages in front of a fault are not compared.
   if (answers) require_same_messages(machine);
   forget_messages(machine);
   return answers;

@@ -1,4 +1,4 @@
-// What both surface entries owe.
+// The properties of both surface entries.
 #pragma once
 
 #include <cstring>

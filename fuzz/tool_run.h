@@ -1,4 +1,4 @@
-// One run of a command of the tool on a stored file, and what every run owes.
+// One run of a command of the tool on a stored file, and the properties of every run.
 #pragma once
 
 #include <algorithm>

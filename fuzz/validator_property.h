@@ -1,5 +1,5 @@
-// What a validator owes for every record: the rules' own verdict with its one message, a record
-// left as it was, and no read beyond it.
+// The properties of a validator, for every record: its verdict and its one message are the rules',
+// the record stays as it is, and nothing is read beyond it.
 #pragma once
 
 #include <cstdint>

@@ -1,4 +1,4 @@
-// Calls that the real services would not have to put up with.
+// Calls that the contract of the services forbids: noted, and made to fail.
 #pragma once
 
 #include "lock.h"

@@ -115,7 +115,7 @@ struct LimitRow {
 constexpr LimitRow kPadded[] = {
     // 500 -> 512; 512 x 4 = 2048 bytes -> 3072 = 768 x 4.
     {.width_el = 500, .limit_bytes = 0, .expected_el = 768},
-    // 470 -> 480, for which the table has the entry of 512.
+    // 470 -> 480 -> 512: padded widths are whole steps of 64.
     {.width_el = 470, .limit_bytes = 0, .expected_el = 768},
     // 480 x 4 = 1920 bytes: at most the limit, and above it.
     {.width_el = 470, .limit_bytes = 1920, .expected_el = 480},

@@ -113,8 +113,9 @@ struct WrapTable {
   std::vector<WrapRow> rows;
 };
 
-// Beside each row: its texel rows, the multiples of 2^32 apart, which vanish; -> whole tiles, where
-// they are other ones; -> those as a signed number, where 2^31 is passed; -> rows of blocks.
+// Beside each row, as far as a step changes the number: its texel rows, of which 32 bits keep what
+// is added to a multiple of 2^32; -> these in whole tiles; -> that as a signed number; -> rows of
+// blocks.
 // clang-format off
 const WrapTable kTiledWraps[] = {
     // a tile is 32 rows, 2^31 = 67108864 x 32

@@ -95,7 +95,7 @@ const Row kRows[] = {
                          .aligned_row_bytes = 256,
                          .height_rows = 10,
                          .tiling_mode = kLinear})},
-    // 16 is padded to 64, the table's entry for it, x 4; 64, kept, x 4
+    // 16 is padded to 64, a whole step, x 4; 64, kept, x 4
     {.request = {.width_el = 15, .height_rows = 10},
      .expected = on_all({.minimal_row_bytes = 256,
                          .aligned_row_bytes = 256,

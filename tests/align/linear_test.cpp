@@ -114,7 +114,7 @@ constexpr SampleRow kSamples[] = {
     {.format = kBc7, .samples = 4, .of_1 = 16, .of_64 = 64, .of_65 = 80, .of_100 = 112},
     // k = 128, a at least 1, q = 16.
     {.format = kBc7, .samples = 8, .of_1 = 16, .of_64 = 64, .of_65 = 80, .of_100 = 112},
-    // The same for blocks of 12 x 12: the block width comes in and goes out again.
+    // The same for blocks of 12 x 12: multiplied by the block width and divided by it.
     {.format = 186, .samples = 8, .of_1 = 16, .of_64 = 64, .of_65 = 80, .of_100 = 112},
 
     // Packed elements of 2 bytes. k = 16, a = 4, q = 2 x 4 = 8.
@@ -182,7 +182,7 @@ TEST(Linear, OddElementSizesRoundToTheirOwnRowsWhateverTheLimit) {
   for (const uint32_t family : kFamilies) {
     const harness::Gpu gpu(harness::full_chip(family).chip_id);
     const auto expect_width = [&](int32_t width_el, uint32_t format, uint32_t expected_el) {
-      // Neither the limit nor the table comes after this rule.
+      // Rows of this rule are neither padded nor limited.
       for (const int32_t limit_bytes : {kNeverPad, 0, kAlwaysPad, INT_MIN}) {
         const Request r{.width_el = width_el,
                         .format = format,
@@ -340,8 +340,8 @@ struct MissingPlaneRow {
   uint32_t expected_el;  // the next multiple of 64
 };
 
-// Elements of 0 bytes: a row of 0 bytes is longer than a limit of -1, but no table has them, and no
-// pitch limit cuts them.
+// Elements of 0 bytes: a row of 0 bytes is longer than a threshold of -1, but it is neither padded
+// nor limited.
 constexpr MissingPlaneRow kMissingPlanes[] = {
     {.format = kBytes4, .plane = 1, .width_el = 512, .expected_el = 512},
     {.format = kBytes3, .plane = 2, .width_el = 100, .expected_el = 128},
@@ -433,8 +433,8 @@ TEST(Linear, RowBytesWrapAndCompareSigned) {
                       .min_padded_row_bytes = row.limit_bytes};
       EXPECT_NUMBER(full(gpu, r).width_el, row.expected_el) << describe(family, r);
     }
-    // 0x7FFFFFFF -> 0x80000000 (64s); x 4 = 0, above -1: to the table, where it is a multiple of
-    // 2048. Families 5 and 6 take the unsigned smaller of it and 16384, family 7 the signed one.
+    // 0x7FFFFFFF -> 0x80000000 (64s); x 4 = 0, above -1: to be padded, but it is a multiple of 2048
+    // elements and stays. Families 5 and 6 take the unsigned smaller of it and 16384, family 7 the signed one.
     const Request widest = always_padded(INT_MAX, kBytes4);
     EXPECT_NUMBER(full(gpu, widest).width_el, family == 7 ? 0x80000000 : 16384)
         << describe(family, widest);

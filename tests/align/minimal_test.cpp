@@ -171,7 +171,7 @@ constexpr LinearRow kLinearRows[] = {
     {.format = kNoRecord, .not_allowed = on_all(64), .allowed = on_all(128)},
     // Blocks: 8 x 8; 8 x 32
     {.format = kBc1, .not_allowed = on_all(64), .allowed = on_all(256)},
-    // 16 x 4; 16 x 16. The block width comes in and goes out again.
+    // 16 x 4; 16 x 16. Multiplied by the block width and divided by it.
     {.format = kBc7, .not_allowed = on_all(64), .allowed = on_all(256)},
     {.format = 186, .not_allowed = on_all(64), .allowed = on_all(256)},
     // k = 64: 8 x 1; 8 x 8
@@ -305,15 +305,15 @@ constexpr PaddedRow kPadded[] = {
     {.width_el = 500, .divisor = 4, .limit_bytes = 2047, .expected_el = 768},
     // Multiples of 4 x 64 = 256: 257 -> 512, padded as above.
     {.width_el = 257, .tiling_allowed = 1, .expected_el = 768},
-    // Multiples of 16: 16, for which the table has the entry of 64.
+    // Multiples of 16: 16, padded to a whole step of 64.
     {.width_el = 1, .divisor = 4, .expected_el = 64},
     {.width_el = 0, .expected_el = 0},                             // 0 bytes are at most 0
-    {.width_el = 0, .limit_bytes = kAlwaysPad, .expected_el = 0},  // the entry of 0
+    {.width_el = 0, .limit_bytes = kAlwaysPad, .expected_el = 0},  // 0 is a whole step
     // Multiples of 16: 20000 = 1250 x 16; cut where it is padded.
     {.width_el = 20000, .divisor = 4, .expected_el = 16384},
     {.width_el = 20000, .divisor = 4, .limit_bytes = kNeverPad, .expected_el = 20000},
-    // 3-byte elements take the 4-byte ones' alignment, then rows of 768 bytes = 256 elements, after
-    // which no limit and no table comes. 64 / 3 = 21: 100 -> 104 (as above) -> 256.
+    // 3-byte elements take the 4-byte ones' alignment, then rows of 768 bytes = 256 elements, which
+    // are neither padded nor limited. 64 / 3 = 21: 100 -> 104 (as above) -> 256.
     {.format = kBytes3,
      .width_el = 100,
      .divisor = 3,
@@ -353,8 +353,8 @@ TEST(Minimal, LinearRowsArePaddedAsTheFullOnesAre) {
   EXPECT_NUMBER(minimal(gpu, {.tiling_mode = kLinear}).width_el, 0);
 }
 
-TEST(Minimal, UnalignedWidthsArePaddedByTheEntryAbove) {
-  // A divisor of 64 leaves any width: the table has one entry for every 64 elements.
+TEST(Minimal, UnalignedWidthsArePaddedFromTheStepAbove) {
+  // A divisor of 64 leaves any width to the padding, which takes whole steps of 64 elements first.
   struct Row {
     int32_t width_el;
     uint32_t expected_el;

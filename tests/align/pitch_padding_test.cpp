@@ -7,7 +7,7 @@
 namespace align_test {
 namespace {
 
-// Every element size that the tables have, from 1 << 0 bytes on.
+// Every element size that is padded, from 1 << 0 bytes on.
 constexpr uint32_t kFormats[] = {kBytes1, kBytes2, kBytes4, kBytes8, kBytes16};
 
 struct PaddedRow {

@@ -112,7 +112,7 @@ void add_block_wraps(Lines& lines, const std::string& chip, uint32_t chip_id) {
   }
 }
 
-// Every width of the pitch table and of its first repetitions, at every element size.
+// Every width up to the first repetitions of the padding, at every element size.
 void add_pitches(Lines& lines, const std::string& chip, uint32_t chip_id) {
   Gpu gpu(chip_id);
   Line line("pitches, " + chip);

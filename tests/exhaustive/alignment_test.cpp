@@ -108,7 +108,7 @@ TEST_P(EveryAlignment, OfAnySampleCountModeAndPlane) {
   pair_.expect_equal_reports();
 }
 
-// Every linear width up to the third repetition of the pitch table, for every element size, in both
+// Every linear width up to the third repetition of the padding, for every element size, in both
 // halves of the table, on both sides of the threshold.
 TEST_P(EveryAlignment, OfEveryWidthOfThePitchTable) {
   for (const uint32_t format : {61U, 49U, 28U, 11U, 2U, 508U, 523U, 6U, 103U, 71U, 73U, 656U}) {

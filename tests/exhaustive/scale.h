@@ -7,7 +7,7 @@
 namespace exhaustive {
 
 // Of the formats, one in this many is compared: every one, unless a sanitizer, the coverage or an
-// emulator makes each call dear. KORVEL_EXHAUSTIVE=full in the environment compares every one there
+// emulator makes each call slow. KORVEL_EXHAUSTIVE=full in the environment compares every one there
 // too, and takes sizes and sample counts together that the usual form takes one after the other.
 uint32_t format_stride();
 bool is_full();

@@ -20,7 +20,7 @@ inline std::vector<uint32_t> format_edges() {
 }
 
 // Counts of elements, below 2^31: the tiles' and units' sizes (powers of two), blocks of 3, 5, 6,
-// 10 and 12 texels, the ends of the pitch table and of its repetitions, the limits of pitches, and
+// 10 and 12 texels, the pitches from which padding repeats, the limits of pitches, and
 // where products with element sizes wrap 32 bits or change their sign.
 inline std::vector<int32_t> size_edges() {
   constexpr int64_t kLargest = std::numeric_limits<int32_t>::max();

@@ -100,7 +100,7 @@ TEST(Identification, NoEntryQueriesTheDeviceAgain) {
     SCOPED_TRACE(first.name);
     Gpu gpu(known_chip());
     expect_identified_now(gpu, first);
-    // Neither a failing library nor another chip is noticed any more.
+    // The identity stays: neither a failing library nor another chip is noticed.
     hxl_sim_set_failures(HXL_SIM_FAIL_LIBRARY_OPEN);
     hxl_sim_set_chip(harness::kUnknownChip);
     for (const GpuEntry& later : gpu_entries()) expect_silent_and_known(gpu, later);

@@ -118,7 +118,7 @@ TYPED_TEST(Validators, HeadWords) {
        "Metadata levels is invalid value 4294967295"},
       {"levels",
        [](R& r) {
-         r.levels = 1;  // the second is not looked at any more
+         r.levels = 1;  // the second is not looked at
          r.level[1].size = 0;
        },
        ""},
