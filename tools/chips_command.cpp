@@ -88,7 +88,7 @@ std::string model_marks(const korvel::ModelData& model) {
 constexpr const char kOtherLetters[] =
     "ubwc     N ubwc_never, D ubwc_depth_excluded, A ubwc_yuv_a, B ubwc_yuv_b, Y ubwc_yuv16\n"
     "model    Y yuv16_ext, P p016, X family5_sample_excluded\n"
-    "padding  family's factor x model's factor\n"
+    "padding  units of the family x the model's factor\n"
     "A dot stands for what does not hold.\n";
 
 std::string legend() {
@@ -110,7 +110,7 @@ std::string chips_text() {
                    {"ubwc", "", TableColumn::left},
                    {"model", "", TableColumn::left},
                    {"max pitch", "elements"},
-                   {"padding", "f x g"}});
+                   {"padding", "units"}});
   for (const auto& [chip, model, family] : kWholeChips) {
     table.add_row({fmt::format("0x{:08X}", chip.chip_id), fmt::format("{}", chip.family_id),
                    fmt::format("0x{:06X}", chip.model_code), fmt::format("0x{:08X}", chip.rev_id),
