@@ -1,19 +1,8 @@
 #include "identify/uuid.h"
 
 #include "platform/hxluser.h"
-#include "platform/log.h"
 
 namespace korvel {
-
-int32_t store_uuid_checked(const char* function, uint8_t* out, int32_t out_length,
-                           const UuidWords& words) {
-  if (out_length < KORVEL_UUID_BYTES) {
-    KORVEL_LOG(function, "Length of uuid array is too small");
-    return -1;
-  }
-  store_uuid(out, words);
-  return 0;
-}
 
 int32_t print_uuid(char* text, std::size_t text_size, const uint8_t* uuid) {
   return os_snprintf(text, text_size,

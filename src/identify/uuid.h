@@ -9,6 +9,8 @@
 #include <cstdint>
 #include <cstring>
 
+#include "platform/log.h"
+
 namespace korvel {
 
 static_assert(std::endian::native == std::endian::little, "UUID words are stored as they are");
@@ -32,8 +34,15 @@ inline void store_uuid(uint8_t* out, const UuidWords& words) {
 
 // Stores to a caller's array of `out_length` bytes under the common contract of the UUID exports:
 // 0, or -1 after a message of `function` when the array is too small.
-int32_t store_uuid_checked(const char* function, uint8_t* out, int32_t out_length,
-                           const UuidWords& words);
+inline int32_t store_uuid_checked(const char* function, uint8_t* out, int32_t out_length,
+                                  const UuidWords& words) {
+  if (out_length < KORVEL_UUID_BYTES) {
+    KORVEL_LOG(function, "Length of uuid array is too small");
+    return -1;
+  }
+  store_uuid(out, words);
+  return 0;
+}
 
 // Prints 16 bytes in storage order. Returns the length of the whole text, 36, or what os_snprintf
 // returns on failure.
