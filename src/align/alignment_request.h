@@ -16,8 +16,8 @@ struct AlignmentRequest {
   uint32_t tiling_mode;          // 1 tiled, any other value linear
   int32_t min_padded_row_bytes;  // linear rows of at most this many bytes are not padded
   uint32_t tiling_allowed = 0;   // the linear surface may become tiled later
-  // Linear widths go up in steps that are counted in bytes. The bytes of an element turn a step into
-  // elements; 1 takes its number of bytes for a number of elements.
+  // A linear width goes up in steps of linear_step_bytes() / step_divisor elements. The divisor is the
+  // bytes of an element; with 1, a step of 64 bytes counts as 64 elements.
   uint32_t step_divisor = 1;
   Extent<Elements> padding = {0, 0};  // added before the alignment, families 6 and 7
 };

@@ -22,8 +22,9 @@ inline bool is_supported_chip() {
   return identified_chip().supported;
 }
 
-// The size of what the rules do not see, after its message: a negative size, or any on a chip whose
-// surfaces they do not know. `entry` is the name that the message carries.
+// Prints why a size does not reach the rules, under the name `entry`, and returns what takes the place
+// of their answer: 1 x 1 for a negative size, the size itself on a chip whose surfaces they do not
+// know. Out of line, so that gcc keeps the calls behind it in registers.
 [[gnu::cold, gnu::noinline]] inline Extent<Elements> refused_extent(const char* entry,
                                                                     int32_t width, int32_t height) {
   if (width < 0 || height < 0) {

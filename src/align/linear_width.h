@@ -66,8 +66,8 @@ constexpr uint32_t linear_base_width_el(uint32_t width_el, const AlignmentReques
   return round_up_by_mask(width_el, divide(step_bytes, request.step_divisor));
 }
 
-// Rows of elements whose size is no power of two take multiples of 64 times that size times their
-// substitute's; neither is 0. Signed.
+// Rows of elements whose size is no power of two go up to a multiple of 64 * element_bytes *
+// substitute_bytes, neither of which is 0. Computed in signed numbers.
 constexpr uint32_t odd_element_width_el(uint32_t width_el, uint32_t element_bytes,
                                         uint32_t substitute_bytes) {
   const uint32_t unit_bytes = substitute_bytes * element_bytes * 64;

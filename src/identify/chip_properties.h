@@ -69,7 +69,8 @@ constexpr ChipProperties chip_properties(const ChipColumns& columns) {
   };
 }
 
-// Only supported chips are ever held to a minimum width. `width` in elements, `bytes_per_pixel` in
+// No entry asks: the column has the rule. Only its chips are ever held to a minimum width, which is so
+// many times the bytes of an element. `width` in elements, `bytes_per_pixel` in
 // bytes.
 constexpr bool wide_enough_for_tiling(const ChipProperties& properties, int32_t width,
                                       uint32_t bytes_per_pixel) {

@@ -214,7 +214,7 @@ void korvel_init_multi_level_surface(MemoryLayout* record, uint32_t width, uint3
       static_cast<int32_t>(height)};
   korvel::Surface surface =
       korvel::described_surface(chip, base, depth, format, samples, tiling_mode, flags, planes);
-  // No row of a chain is pitch-padded, and its linear widths go up to whole bytes of a step.
+  // No row of a chain is pitch-padded, and its linear steps are turned into elements.
   surface.alignment.min_padded_row_bytes = std::numeric_limits<int32_t>::max();
   surface.alignment.step_divisor = surface.element_bytes;
   korvel::lay_out_mip_chains(surface, levels, *record);

@@ -34,7 +34,7 @@ inline uint64_t lay_out_plane(const Surface& surface, SignedExtent<Elements> siz
                               uint64_t offset_bytes, PlaneLayout& out) {
   const Extent<Elements> image = fdm_extent(surface.chip, size, surface.alignment, plane);
   const uint32_t pitch_bytes = surface.element_bytes * image.width;
-  // Wraps at 32 bits; the base alignment is one of 64.
+  // Up to here 32 bits, which wrap; from the base alignment on 64.
   const uint32_t mode_aligned_bytes =
       round_up_pot(pitch_bytes * image.height, surface.image_alignment_bytes);
   const uint64_t image_bytes =

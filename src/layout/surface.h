@@ -32,7 +32,8 @@ struct Surface {
   bool extended;                   // asked for beside it: the chip's extra padding
 };
 
-// Arguments as the initialisers take them. Linear rows longer than the chip's threshold are padded.
+// Arguments as the initialisers take them. Linear rows of more than the chip's aux_alignment
+// bytes are padded.
 constexpr Surface described_surface(const ChipRow& chip, SignedExtent<Texels> size, int32_t depth,
                                     FormatId format, uint32_t samples, uint32_t tiling_mode,
                                     uint64_t flags, uint32_t planes) {
