@@ -4,7 +4,6 @@ import os
 import resource
 import subprocess
 import time
-from collections import Counter
 
 QUICK = [
     "formats_test",
@@ -25,7 +24,6 @@ class TestPrograms:
     def __init__(self, bin_folder, library, quick=QUICK, slow=SLOW):
         self.bin, self.library = bin_folder.resolve(), library.resolve()
         self.quick, self.slow = list(quick), list(slow)
-        self.kills = Counter()
         self.seconds = {}
 
     def passes(self, program, path=None):
@@ -52,11 +50,8 @@ class TestPrograms:
         return good
 
     def first_failure(self, programs):
-        """The first program that fails. First come those that failed often before and take little
-        time."""
-        order = sorted(programs, key=lambda p: self.seconds.get(p, 1) / (1 + self.kills[p]))
-        for program in order:
+        """The first program that fails, of those that take the least time first."""
+        for program in sorted(programs, key=lambda p: self.seconds.get(p, 0)):
             if not self.passes(program):
-                self.kills[program] += 1
                 return program
         return None
