@@ -14,6 +14,8 @@ QUICK = [
     "digest_test",
 ]
 SLOW = ["reference_test"]
+# Variables that would choose other tests, or give them another GPU.
+_OUTSIDE = ("GTEST_", "HXL_SIM_", "KORVEL_")
 
 
 # Crashes are answers here. Inherited by everything that is run.
@@ -28,8 +30,7 @@ class TestPrograms:
 
     def passes(self, program, path=None):
         started = time.monotonic()
-        # What is set outside would choose other tests, or give them another GPU.
-        environment = {k: v for k, v in os.environ.items() if not k.startswith(("GTEST_", "HXL_SIM_"))}
+        environment = {k: v for k, v in os.environ.items() if not k.startswith(_OUTSIDE)}
         environment.update(KORVEL_UTILS_LIBRARY=str(self.library), GTEST_FAIL_FAST="1")
         # Ten times as long as on the library as it stands, and 5 seconds: a loop never ends then.
         limit = self.seconds.get(program, 120) * 10 + 5
