@@ -57,7 +57,8 @@ class LibraryBuild:
         )
         self.includes = {f: self._includes(f) for f in self.files}
         self.changed_file = None
-        self.prefix = ""  # what stands in the precompiled header
+        self.prefixes = {}  # precompiled headers, by what stands in them
+        self.prefix = None  # the one in use
         self.originals = {}
         (self.folder / "objects").mkdir(exist_ok=True)
         self._check()
@@ -117,7 +118,7 @@ class LibraryBuild:
         return sorted(found, key=lambda s: (_TELLING.index(s) if s in _TELLING else 99, s))
 
     def compile(self, source, target):
-        prefix = ["-include", str(self.folder / "prefix.h")] if self.prefix else []
+        prefix = ["-include", str(self.prefix)] if self.prefix else []
         self._compile(
             ["g++", *FLAGS, *prefix, f"-I{self.tree}", f"-I{self.tree}/include", "-c"]
             + [str(self.tree / source), "-o", str(target)]
@@ -141,23 +142,23 @@ class LibraryBuild:
         reach, when that pays."""
         self.changed_file = file
         self.originals = {}
+        self.prefix = None
         if changes < WORTH_PRECOMPILING and not file.endswith(".cpp"):
-            self.prefix = ""
             return
         headers = [f for f in self.files if f.endswith(".h") and file not in self.reach(f)]
         system = sorted({i for f in self.files for i in _SYSTEM_INCLUDE.findall(self.text(f))})
         system.remove("<korvel_utils.h>")
         lines = [f"#include {i}" for i in system] + [f'#include "{h}"' for h in headers]
         text = "\n".join(lines) + "\n"
-        if text == self.prefix:
-            return
-        self.prefix = text
-        header = self.folder / "prefix.h"
-        header.write_text(text)
-        self._run(
-            ["g++", *FLAGS, "-x", "c++-header", f"-I{self.tree}", f"-I{self.tree}/include"]
-            + [str(header), "-o", str(header) + ".gch"]
-        )
+        if text not in self.prefixes:
+            header = self.folder / f"prefix-{len(self.prefixes)}.h"
+            header.write_text(text)
+            self._run(
+                ["g++", *FLAGS, "-x", "c++-header", f"-I{self.tree}", f"-I{self.tree}/include"]
+                + [str(header), "-o", str(header) + ".gch"]
+            )
+            self.prefixes[text] = header
+        self.prefix = self.prefixes[text]
 
     def original_object(self, source):
         """The unchanged source, compiled exactly as a changed one is."""
