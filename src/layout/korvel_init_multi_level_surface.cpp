@@ -83,7 +83,7 @@ constexpr bool takes_whole_tiles(const Surface& surface) {
 }
 
 // The sizes that the rules come to, where none is refused; a plane looks its tile up once, which
-// saves a third of a chain's instructions.
+// saves half of the instructions of a chain.
 void size_in_whole_tiles(const Surface& surface, uint32_t levels, uint32_t plane,
                          ChainImages& images) {
   const Extent<Elements> tile = plane_tile_family67(surface.alignment, plane);

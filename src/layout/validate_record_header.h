@@ -17,8 +17,8 @@ namespace korvel {
 
 // The two UUIDs of a mismatch as text.
 struct UuidTexts {
-  char stored[KORVEL_UUID_TEXT_BYTES];
-  char callers[KORVEL_UUID_TEXT_BYTES];
+  char stored[64];
+  char callers[64];
 };
 
 [[gnu::cold]] inline UuidTexts uuid_texts(const unsigned char* stored, const uint8_t* callers) {

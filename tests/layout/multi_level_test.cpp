@@ -718,5 +718,20 @@ TEST(MultiLevelDeathTest, DivisionsBy0) {
   });
 }
 
+TEST(MultiLevelDeathTest, WithoutLevelsNoFlagBufferIsDividedIntoTiles) {
+  // 16 samples have no sample tile on families 6 and 7: the first level's flag buffer divides by 0.
+  for (const uint32_t family : {6U, 7U}) {
+    const uint32_t chip = harness::full_chip(family).chip_id;
+    const ChainRequest request = {.samples = 16, .flags = kUbwc};
+    EXPECT_DIVISION_FAULT({
+      const harness::Gpu gpu(chip);
+      MemoryLayout record = record_of({.levels = 1});
+      init(gpu, record, request);
+    });
+    const harness::Gpu gpu(chip);
+    expect_chains(gpu, {.levels = 0}, request, {}, on_family(family));
+  }
+}
+
 }  // namespace
 }  // namespace layout_test

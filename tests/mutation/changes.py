@@ -17,7 +17,10 @@ class Change:
     after: str  # the line as it becomes
 
     def apply(self, text):
-        return text[: self.start] + self.new + text[self.end :]
+        changed = text[: self.start] + self.new + text[self.end :]
+        if changed == text:
+            raise ValueError(f"changes nothing: {self.describe()}")
+        return changed
 
     def describe(self):
         return f"{self.file}:{self.line}: [{self.kind}] {self.before}  =>  {self.after}"

@@ -45,11 +45,17 @@ class Equivalents:
                     return reason
         return None
 
-    def stale(self, build):
-        """Entries whose line is not in their file any more."""
+    def stale(self, changes):
+        """Entries that name no possible change: their file, their line or what it becomes is not
+        there."""
         stale = []
-        for file, before, _, _ in self.entries:
-            lines = build.text(file).splitlines() if file in build.files else []
-            if not any(_fits(before, _tidy(line)) for line in lines):
+        for file, before, afters, _ in self.entries:
+            fitting = [c for c in changes if c.file == file and _fits(before, c.before)]
+            if not any(_fits(after, c.after) for c in fitting for after in afters):
                 stale.append(f"{file}: {before}")
+        for file, after in {(file, after) for file, _, afters, _ in self.entries for after in afters}:
+            befores = [b for f, b, afters, _ in self.entries if f == file and after in afters]
+            fitting = [c for c in changes if c.file == file and _fits(after, c.after)]
+            if not any(_fits(before, c.before) for c in fitting for before in befores):
+                stale.append(f"{file}: {after}")
         return stale

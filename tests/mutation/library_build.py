@@ -23,13 +23,17 @@ _TELLING = [
     "identify/get_gpu_pixel_alignment.cpp",
     "formats/isUBWCSupportedByGpu.cpp",
     "align/compute_fmt_minimal_aligned_width_and_height.cpp",
-    "layout/multi_level_surface.cpp",
+    "layout/korvel_init_multi_level_surface.cpp",
     "layout/validate_resource_memory_layout_metadata.cpp",
 ]
 
 
 class Refused(Exception):
-    """The compiler or the linker takes the change for a mistake."""
+    """The compiler takes the change for a mistake."""
+
+
+class BuildError(Exception):
+    """The build itself does not work: no change has to do with it."""
 
 
 class LibraryBuild:
@@ -39,9 +43,7 @@ class LibraryBuild:
     def __init__(self, root, folder, built):
         self.root, self.folder, self.built = Path(root), Path(folder), Path(built)
         self.lib = self.built / "lib"
-        self.sources = re.findall(
-            r"^\s+(\w+/\w+\.cpp)", (self.root / "src/CMakeLists.txt").read_text(), re.M
-        )
+        self.sources = self._listed_sources()
         shutil.rmtree(self.folder, ignore_errors=True)
         for part in SUBSYSTEMS + ["include"]:
             source = self.root / part if part == "include" else self.root / "src" / part
@@ -55,9 +57,26 @@ class LibraryBuild:
         )
         self.includes = {f: self._includes(f) for f in self.files}
         self.changed_file = None
-        self.prefix = ""  # what stands in the precompiled header
+        self.prefixes = {}  # precompiled headers, by what stands in them
+        self.prefix = None  # the one in use
         self.originals = {}
         (self.folder / "objects").mkdir(exist_ok=True)
+        self._check()
+
+    def _listed_sources(self):
+        text = (self.root / "src/CMakeLists.txt").read_text()
+        library = re.search(r"add_library\(korvel_utils SHARED(.*?)\)", text, re.S)
+        return library.group(1).split() if library else []
+
+    def _check(self):
+        """What this file knows about the tree and the build folder must be there."""
+        found = [f for f in self.files if f.endswith(".cpp")]
+        if not found or sorted(self.sources) != found:
+            raise BuildError(f"src/CMakeLists.txt lists {self.sources}, the folders hold {found}")
+        gone = [s for s in _TELLING if s not in self.sources]
+        gone += [o for o in map(self.object, self.sources) if not o.is_file()]
+        if gone:
+            raise BuildError("not there: " + ", ".join(map(str, gone)))
 
     @property
     def tree(self):
@@ -99,8 +118,8 @@ class LibraryBuild:
         return sorted(found, key=lambda s: (_TELLING.index(s) if s in _TELLING else 99, s))
 
     def compile(self, source, target):
-        prefix = ["-include", str(self.folder / "prefix.h")] if self.prefix else []
-        self._run(
+        prefix = ["-include", str(self.prefix)] if self.prefix else []
+        self._compile(
             ["g++", *FLAGS, *prefix, f"-I{self.tree}", f"-I{self.tree}/include", "-c"]
             + [str(self.tree / source), "-o", str(target)]
         )
@@ -123,23 +142,23 @@ class LibraryBuild:
         reach, when that pays."""
         self.changed_file = file
         self.originals = {}
+        self.prefix = None
         if changes < WORTH_PRECOMPILING and not file.endswith(".cpp"):
-            self.prefix = ""
             return
         headers = [f for f in self.files if f.endswith(".h") and file not in self.reach(f)]
         system = sorted({i for f in self.files for i in _SYSTEM_INCLUDE.findall(self.text(f))})
         system.remove("<korvel_utils.h>")
         lines = [f"#include {i}" for i in system] + [f'#include "{h}"' for h in headers]
         text = "\n".join(lines) + "\n"
-        if text == self.prefix:
-            return
-        self.prefix = text
-        header = self.folder / "prefix.h"
-        header.write_text(text)
-        self._run(
-            ["g++", *FLAGS, "-x", "c++-header", f"-I{self.tree}", f"-I{self.tree}/include"]
-            + [str(header), "-o", str(header) + ".gch"]
-        )
+        if text not in self.prefixes:
+            header = self.folder / f"prefix-{len(self.prefixes)}.h"
+            header.write_text(text)
+            self._run(
+                ["g++", *FLAGS, "-x", "c++-header", f"-I{self.tree}", f"-I{self.tree}/include"]
+                + [str(header), "-o", str(header) + ".gch"]
+            )
+            self.prefixes[text] = header
+        self.prefix = self.prefixes[text]
 
     def original_object(self, source):
         """The unchanged source, compiled exactly as a changed one is."""
@@ -148,18 +167,33 @@ class LibraryBuild:
             changed = (self.tree / file).read_text()
             target = self.folder / "objects" / ("original-" + source.replace("/", "-") + ".o")
             self.write(file, self.text(file))
-            self.compile(source, target)
+            try:
+                self.compile(source, target)
+            except Refused as refused:
+                raise BuildError(f"{source} as it stands: {refused}") from refused
             self.write(file, changed)
             self.originals[source] = target.read_bytes()
         return self.originals[source]
 
     @staticmethod
     def _run(command):
+        done = subprocess.run(command, stdout=subprocess.DEVNULL, stderr=subprocess.PIPE)
+        if done.returncode != 0:
+            raise BuildError(done.stderr.decode(errors="replace")[-2000:])
+
+    @staticmethod
+    def _compile(command):
+        """A changed source. The compiler says so when it is the source that it cannot compile."""
         try:
             done = subprocess.run(
                 command, stdout=subprocess.DEVNULL, stderr=subprocess.PIPE, timeout=COMPILE_SECONDS
             )
         except subprocess.TimeoutExpired as late:
             raise Refused("the compiler does not end") from late
-        if done.returncode != 0:
-            raise Refused(done.stderr.decode(errors="replace")[-2000:])
+        if done.returncode == 0:
+            return
+        said = done.stderr.decode(errors="replace")
+        errors = re.findall(r"^[^\n]*:\d+:\d+: (?:fatal )?error: ([^\n]*)", said, re.M)
+        if not errors or "No such file" in errors[0]:
+            raise BuildError(said[-2000:])
+        raise Refused(errors[0])

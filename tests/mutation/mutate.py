@@ -24,13 +24,17 @@ TABLE_KINDS = {"table", "entry"}
 OUTCOMES = ["killed", "refused", "same code", "equivalent", "survived"]
 
 
-def chosen_changes(arguments, build):
+def possible_changes(build):
+    gone = NOT_CHANGED - set(build.files)
+    if gone:
+        sys.exit(f"mutate: not there: {', '.join(sorted(gone))}")
+    files = [f for f in build.files if f not in NOT_CHANGED]
+    return [c for file in files for c in changes_of(file, build.text(file))]
+
+
+def chosen_changes(arguments, every):
     """All changes, or a sample of them that is the same in every run."""
-    every = []
-    for file in build.files:
-        if file in NOT_CHANGED or not file.startswith(tuple(arguments.files)):
-            continue
-        every += changes_of(file, build.text(file))
+    every = [c for c in every if c.file.startswith(tuple(arguments.files))]
     if arguments.line:
         every = [c for c in every if arguments.line in c.before]
     tables = [c for c in every if c.kind in TABLE_KINDS]
@@ -62,12 +66,22 @@ class Worker:
         self.equivalents = equivalents
 
     def start(self):
-        """Every test must pass on the library as it stands. Returns how long each takes."""
+        """Every test must pass on the library as it stands, and fail without a library."""
+        programs = self.programs.quick + self.programs.slow
+        for program in programs:
+            if self.programs.passes(program):
+                sys.exit(f"mutate: {program} passes without a library")
         self.build.link({})
+        self.lookups.start()
+        self.must_pass()
+
+    def must_pass(self):
+        """On the library as it stands: else its tests would notice every change."""
         failed = self.programs.first_failure(self.programs.quick + self.programs.slow)
+        if not failed and not self.programs.passes("lookups_test", self.lookups.program):
+            failed = "lookups_test"
         if failed:
             sys.exit(f"mutate: {failed} fails on the library as it stands")
-        return self.programs.seconds
 
     def outcome(self, change):
         """What became of one change, and what noticed it."""
@@ -75,8 +89,8 @@ class Worker:
         self.build.write(file, change.apply(self.build.text(file)))
         try:
             return self._outcome(change)
-        except Refused:
-            return "refused", "compiler"
+        except Refused as refused:
+            return "refused", f"compiler: {refused}"
         finally:
             self.build.write(file, self.build.text(file))
 
@@ -101,7 +115,7 @@ class Worker:
                 return "killed", noticed
         rebuilt = self.lookups.rebuilt(change.file)
         if rebuilt is False:
-            return "refused", "compiler"
+            return "refused", "compiler: lookups_test"
         if rebuilt and not self.programs.passes("lookups_test", self.lookups.program):
             return "killed", "lookups_test"
         if same_code:
@@ -187,24 +201,27 @@ def main():
     parser = argparse.ArgumentParser(description=__doc__)
     parser.add_argument("--build", type=Path, required=True, help="build folder with the tests")
     parser.add_argument("--work", type=Path, required=True, help="scratch folder")
-    parser.add_argument("--rules", type=int, default=600, help="changes of rules (default 600)")
-    parser.add_argument("--tables", type=int, default=150, help="changes of tables (default 150)")
+    parser.add_argument("--rules", type=int, default=400, help="changes of rules (default 400)")
+    parser.add_argument("--tables", type=int, default=100, help="changes of tables (default 100)")
     parser.add_argument("--all", action="store_true", help="every change")
     parser.add_argument("--seed", type=int, default=1)
     parser.add_argument("--jobs", type=int, default=min(2, os.cpu_count() or 1))
     parser.add_argument("--line", help="only changes of lines that contain this text")
     parser.add_argument("--log", help="file that gets a line for every change")
-    parser.add_argument("--least", type=float, default=95.0, help="percentage to reach")
+    parser.add_argument("--least", type=float, default=97.0, help="percentage to reach")
     parser.add_argument("files", nargs="*", default=[""], help="only files that begin so")
     arguments = parser.parse_args()
     arguments.build, arguments.work = arguments.build.resolve(), arguments.work.resolve()
 
     equivalents = Equivalents(Path(__file__).with_name("equivalents.txt"))
     workers = [Worker(n, arguments, equivalents) for n in range(arguments.jobs)]
-    seconds = workers[0].start()
+    every = possible_changes(workers[0].build)
+    stale = equivalents.stale(every)
+    if stale:
+        sys.exit("mutate: equivalents.txt names what is not there:\n" + "\n".join(stale))
+    by_file, everything = chosen_changes(arguments, every)
     for worker in workers:
-        worker.programs.seconds.update(seconds)
-    by_file, everything = chosen_changes(arguments, workers[0].build)
+        worker.start()
     run = Run(arguments)
     files = batches(by_file)
     threads = [threading.Thread(target=run.work, args=(w, files)) for w in workers]
@@ -214,11 +231,11 @@ def main():
         thread.join()
     if run.error:
         sys.exit(f"mutate: {run.error!r}")
+    for worker in workers:
+        worker.build.link({})
+        worker.must_pass()
     rate = report(run.results, everything, time.monotonic() - run.started)
-    stale = equivalents.stale(workers[0].build)
-    for entry in stale:
-        print(f"equivalents.txt names what is not there any more: {entry}", file=sys.stderr)
-    sys.exit(1 if rate < arguments.least or stale or len(run.results) < 1 else 0)
+    sys.exit(1 if rate < arguments.least or not run.results else 0)
 
 
 if __name__ == "__main__":
