@@ -57,10 +57,10 @@ constexpr uint32_t next_power_of_two(int32_t size) {
   return count > kLargest ? 0 : std::bit_ceil(count);
 }
 
-// Sizes the flag buffers of all levels of a plane, if it has any: without a level nothing is divided.
+// Sizes the flag buffers of all levels of a plane, if it has any. `levels` is not 0.
 void size_flag_buffers(const Surface& surface, uint32_t levels, uint32_t plane,
                        MemoryLayout& record) {
-  if (!surface.flag_buffers || levels == 0) return;
+  if (!surface.flag_buffers) return;
   const Extent<Elements> covered = {next_power_of_two(surface.size.width),
                                     next_power_of_two(surface.size.height)};
   const Extent<Tiles> tiles = tiles_that_cover(covered, flag_tile(surface, plane));
@@ -179,7 +179,7 @@ void lay_out_mip_chains(const Surface& surface, uint32_t levels, MemoryLayout& r
   for (uint32_t plane = 0; plane < surface.planes; ++plane) {
     if (whole_tiles) {
       size_in_whole_tiles(surface, levels, plane, images[plane]);
-      size_flag_buffers(surface, levels, plane, record);
+      if (levels != 0) size_flag_buffers(surface, levels, plane, record);
     }
     const ChainBytes slice =
         append_levels(surface, levels, plane, images[plane], placement, record);
