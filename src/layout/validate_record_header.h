@@ -29,17 +29,45 @@ struct UuidTexts {
   return texts;
 }
 
-inline bool uuids_equal(const unsigned char* stored, const uint8_t* callers) {
-  return stored_word<uint64_t>(stored, 0) == stored_word<uint64_t>(callers, 0) &&
-         stored_word<uint64_t>(stored, 8) == stored_word<uint64_t>(callers, 8);
-}
-
 inline uint32_t uuid_word(const unsigned char* uuid, std::size_t word) {
   return stored_word<uint32_t>(uuid, word * sizeof(uint32_t));
 }
 
-inline bool is_alignment(uint32_t alignment) {
-  return alignment != 0 && is_power_of_two_or_zero(alignment);
+inline bool device_uuid_passes(const char* validator, const unsigned char* stored,
+                               const uint8_t* callers) {
+  if (stored_word<uint64_t>(stored, 0) == stored_word<uint64_t>(callers, 0) &&
+      stored_word<uint64_t>(stored, 8) == stored_word<uint64_t>(callers, 8)) {
+    return true;
+  }
+  const UuidTexts texts = uuid_texts(stored, callers);
+  KORVEL_LOG(validator, "Metadata device version mismatch {store uuid %s, struct uuid %s}",
+             texts.stored, texts.callers);
+  return false;
+}
+
+// The validators compare different words of the driver UUID.
+inline bool driver_uuid_passes(const char* validator, const unsigned char* stored,
+                               const uint8_t* callers, std::size_t word) {
+  if (uuid_word(stored, word) == uuid_word(callers, word)) return true;
+  const UuidTexts texts = uuid_texts(stored, callers);
+  KORVEL_LOG(validator, "Metadata driver version mismatch {store uuid %s, struct uuid %s}",
+             texts.stored, texts.callers);
+  return false;
+}
+
+inline bool alignment_passes(const char* validator, uint32_t alignment) {
+  if (alignment != 0 && is_power_of_two_or_zero(alignment)) return true;
+  KORVEL_LOG(validator, "Metadata alignment is not pot %u", alignment);
+  return false;
+}
+
+// `surface_size` are the bytes of the surface as the record counts them.
+inline bool total_size_passes(const char* validator, uint64_t total_size, uint64_t surface_size,
+                              uint32_t alignment) {
+  if (total_size != 0 && (surface_size & (alignment - 1)) == 0) return true;
+  KORVEL_LOG(validator, "Metadata surface size is not aligned {size %llu, alignment %u}",
+             llu(total_size), alignment);
+  return false;
 }
 
 // Samples, levels and format, in this order.

@@ -39,18 +39,9 @@ const LayoutVersion* identity_passes(const unsigned char* record, const uint8_t*
     KORVEL_LOG(kName, "Metadata has bad signature %u", signature);
     return nullptr;
   }
-  const unsigned char* stored_device = record + offsetof(MemoryLayout, device_uuid);
-  if (!uuids_equal(stored_device, device_uuid)) {
-    const UuidTexts texts = uuid_texts(stored_device, device_uuid);
-    KORVEL_LOG(kName, "Metadata device version mismatch {store uuid %s, struct uuid %s}",
-               texts.stored, texts.callers);
-    return nullptr;
-  }
   const unsigned char* stored_driver = record + offsetof(MemoryLayout, driver_uuid);
-  if (uuid_word(stored_driver, kDriverVersionWord) != uuid_word(driver_uuid, kDriverVersionWord)) {
-    const UuidTexts texts = uuid_texts(stored_driver, driver_uuid);
-    KORVEL_LOG(kName, "Metadata driver version mismatch {store uuid %s, struct uuid %s}",
-               texts.stored, texts.callers);
+  if (!device_uuid_passes(kName, record + offsetof(MemoryLayout, device_uuid), device_uuid) ||
+      !driver_uuid_passes(kName, stored_driver, driver_uuid, kDriverVersionWord)) {
     return nullptr;
   }
   const LayoutVersion* version = layout_version(uuid_word(stored_driver, kLayoutVersionWord),
@@ -78,17 +69,10 @@ bool header_passes(const unsigned char* record, const LayoutVersion& version,
     return false;
   }
   const auto alignment = KORVEL_STORED(record, MemoryLayout, alignment);
-  if (!is_alignment(alignment)) {
-    KORVEL_LOG(kName, "Metadata alignment is not pot %u", alignment);
-    return false;
-  }
+  if (!alignment_passes(kName, alignment)) return false;
   const auto total_size = KORVEL_STORED(record, MemoryLayout, total_size);
   const auto surface_size = static_cast<uint32_t>(total_size - version.size);
-  if (total_size == 0 || (surface_size & (alignment - 1)) != 0) {
-    KORVEL_LOG(kName, "Metadata surface size is not aligned {size %llu, alignment %u}",
-               llu(total_size), alignment);
-    return false;
-  }
+  if (!total_size_passes(kName, total_size, surface_size, alignment)) return false;
   header = {
       .total_size = total_size,
       .surface_size = sign_extended(surface_size),

@@ -24,22 +24,9 @@ bool identity_passes(const unsigned char* record, const uint8_t* device_uuid,
                uint32_t{KORVEL_SURFACE_BYTES});
     return false;
   }
-  const unsigned char* stored_device = record + offsetof(SurfaceMetadata, device_uuid);
-  if (!uuids_equal(stored_device, device_uuid)) {
-    const UuidTexts texts = uuid_texts(stored_device, device_uuid);
-    KORVEL_LOG(kName, "Metadata device version mismatch {store uuid %s, struct uuid %s}",
-               texts.stored, texts.callers);
-    return false;
-  }
-  const unsigned char* stored_driver = record + offsetof(SurfaceMetadata, driver_uuid);
-  // Not the word that the other validator compares.
-  if (uuid_word(stored_driver, kDriverKindWord) != uuid_word(driver_uuid, kDriverKindWord)) {
-    const UuidTexts texts = uuid_texts(stored_driver, driver_uuid);
-    KORVEL_LOG(kName, "Metadata driver version mismatch {store uuid %s, struct uuid %s}",
-               texts.stored, texts.callers);
-    return false;
-  }
-  return true;
+  return device_uuid_passes(kName, record + offsetof(SurfaceMetadata, device_uuid), device_uuid) &&
+         driver_uuid_passes(kName, record + offsetof(SurfaceMetadata, driver_uuid), driver_uuid,
+                            kDriverKindWord);
 }
 
 bool header_passes(const unsigned char* record, CheckedHeader& header) {
@@ -49,17 +36,10 @@ bool header_passes(const unsigned char* record, CheckedHeader& header) {
     return false;
   }
   const auto alignment = KORVEL_STORED(record, SurfaceMetadata, alignment);
-  if (!is_alignment(alignment)) {
-    KORVEL_LOG(kName, "Metadata alignment is not pot %u", alignment);
-    return false;
-  }
+  if (!alignment_passes(kName, alignment)) return false;
   const auto total_size = KORVEL_STORED(record, SurfaceMetadata, total_size);
   const uint64_t surface_size = total_size - KORVEL_SURFACE_BYTES;
-  if (total_size == 0 || (surface_size & (alignment - 1)) != 0) {
-    KORVEL_LOG(kName, "Metadata surface size is not aligned {size %llu, alignment %u}",
-               llu(total_size), alignment);
-    return false;
-  }
+  if (!total_size_passes(kName, total_size, surface_size, alignment)) return false;
   header = {
       .total_size = total_size,
       .surface_size = surface_size,
