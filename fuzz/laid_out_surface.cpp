@@ -139,6 +139,16 @@ bool chain_size_may_turn_negative(const LaidOutSurface& surface) {
          (a.width < 0 || a.width > kLargest || a.height < 0 || a.height > kLargest);
 }
 
+// Family 5 counts tiled rows in bytes, which wrap: images narrower than the surface, beside flag
+// buffers for all of it.
+bool chain_rows_may_wrap(const LaidOutSurface& surface) {
+  constexpr Exact kRowStep = 64;  // elements that a width may be rounded up by
+  const Exact width = Exact{static_cast<uint32_t>(surface.arguments.width)} + kRowStep;
+  const Exact element_bytes = surface.record.level[0].plane[0].image_element_size;
+  return surface.slices == Slices::of_whole_chains && is_tiled(surface) &&
+         surface.chip.family_id == 5 && width * element_bytes > Exact{UINT32_MAX};
+}
+
 // The writers describe more than the validator accepts. These are the layouts that it refuses.
 bool validator_refuses(const LaidOutSurface& surface) {
   const SurfaceArguments& a = surface.arguments;
@@ -147,7 +157,7 @@ bool validator_refuses(const LaidOutSurface& surface) {
   if (!is_tiled(surface) && has_flag_buffers(surface)) return true;
   if (a.depth > KORVEL_MAX_SLICES || a.planes == 0) return true;
   if (!chip.base_alignment || !chip.linear_alignment || !chip_places_buffers(surface)) return true;
-  if (chain_size_may_turn_negative(surface)) return true;
+  if (chain_size_may_turn_negative(surface) || chain_rows_may_wrap(surface)) return true;
   return has_empty_rows(surface) || !sizes_are_validated(surface);
 }
 
