@@ -171,7 +171,7 @@ void lay_out_mip_chains(const Surface& surface, uint32_t levels, MemoryLayout& r
   const FlagPlacement placement = flag_placement(surface);
   const bool whole_tiles = takes_whole_tiles(surface);
   ChainImages images[KORVEL_MAX_PLANES];
-  if (!whole_tiles) [[unlikely]] {
+  if (!whole_tiles) {
     size_by_rules(surface, levels, images, record);
   }
 
@@ -192,7 +192,7 @@ void lay_out_mip_chains(const Surface& surface, uint32_t levels, MemoryLayout& r
     place_chain(levels, plane, placement, start_bytes, slice_bytes, flag_slice_bytes, record);
     end_bytes = start_bytes + bytes_of_all_slices(surface, slice_bytes);
   }
-  if (surface.planes == 0) {
+  if (surface.planes == 0) {  // no chain has marked its levels
     for (uint32_t level = 0; level < levels; ++level) mark_lrz_absent(record.level[level]);
   }
   finish_record(surface, end_bytes, record);
