@@ -87,7 +87,9 @@ CLI::App* add_formats(CLI::App& program, FormatsOptions& options) {
 
 CLI::App* add_check(CLI::App& program, CheckOptions& options) {
   CLI::App* const command =
-      program.add_subcommand("check", "Have the library validate a stored blob or record");
+      program.add_subcommand("check",
+                             "Have the library validate a stored blob or record, and warn of what "
+                             "an accepted one does not keep inside its surface");
   command->add_option("FILE", options.file, "Blob or bare record")->required()->type_name("");
   add_text(*command, "--kind", options.kind, "resource or surface; default by the file's size")
       ->type_name("KIND");
