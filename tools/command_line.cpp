@@ -87,15 +87,15 @@ CLI::App* add_formats(CLI::App& program, FormatsOptions& options) {
 
 CLI::App* add_check(CLI::App& program, CheckOptions& options) {
   CLI::App* const command =
-      program.add_subcommand("check",
-                             "Have the library validate a stored blob or record, and warn of what "
-                             "an accepted one does not keep inside its surface");
+      program.add_subcommand("check", "Have the library validate a stored blob or record");
   command->add_option("FILE", options.file, "Blob or bare record")->required()->type_name("");
   add_text(*command, "--kind", options.kind, "resource or surface; default by the file's size")
       ->type_name("KIND");
   command->add_option("--chip", options.chip, "Chip that the record must be made for")
       ->required()
       ->type_name("ID");
+  command->footer(
+      "Warnings beside a valid record tell what of it does not lie inside its surface or buffer.");
   return command;
 }
 

@@ -83,6 +83,21 @@ TEST(CheckLimits, SurfaceSizesOfLayouts) {
            },
            {"total_size is 100, less than the 5512 bytes of the record itself: the surface size "
             "wraps, and buffers are held against 18446744073709546204 bytes, next to no bound"}},
+          // 2^32 bytes of rows in none.
+          {"total_size of the record's own",
+           [](R& r) {
+             r.total_size = 5512;
+             r.level[0].size = 1;
+             r.level[0].lrz_valid = r.level[0].lrz_fc_valid = 0;
+             PlaneLayout& plane = r.level[0].plane[0];
+             plane.flag_valid = 0;
+             plane.image_offset = plane.image_size = 0;
+             plane.image_pitch = plane.image_height = 65536;
+           },
+           {"level 0: its size of 1 bytes is more than the 0 of the surface: it is compared with "
+            "total_size, which counts the record too",
+            "level 0, plane 0: 65536 rows of 65536 bytes are 4294967296 bytes, more than the 0 of "
+            "the image: their product wraps at 32 bits"}},
           {"2^31 - 1 bytes", [](R& r) { r.total_size = 5512 + 0x7FFFFFFFULL; }, {}},
           // 2^64 - 2^31.
           {"2^31 bytes",
