@@ -732,10 +732,9 @@ KORVEL_API void KORVEL_CALL korvel_init_multi_level_surface(MemoryLayout* record
  * exactly one message. The rules follow in their order, each with the words its message begins
  * with. UUIDs in messages are printed as uuid_to_str() prints them.
  *
- * A record may lie in memory that others change while it is read. No word is read again after a
- * check relied on it, so a verdict holds for the words that were seen, whatever stands there
- * afterwards. Each word is read once, but for one level at most: a level that a first quick look
- * does not pass is read anew, whole, and judged by the second reading alone. A caller who uses the
+ * A record may lie in memory that others change while it is read. Each word is read once and used as
+ * the value that was checked, so that a verdict holds for the words that were seen, whatever stands
+ * there afterwards. (Words that no check needs may be read or not.) A caller who uses the
  * record afterwards copies it first, `length` bytes of it being there, and validates and uses the
  * copy:
  *

@@ -32,12 +32,14 @@ struct SurfaceMetadataKind {
   static constexpr const char* kValidator = "validate_surface_metadata";
 };
 
-// What the header checks have established.
-struct CheckedHeader {
-  uint64_t total_size;    // bytes, the record's own size included
-  uint64_t surface_size;  // bytes; what every buffer must end within
-  uint32_t linear_fallback;
-  uint32_t levels;  // 1 to 15
+// The words of a level itself.
+struct StoredLevel {
+  uint64_t size;  // bytes
+  uint32_t slices;
+  uint32_t tiled;
+  uint32_t planes;
+  uint32_t lrz_valid;
+  uint32_t lrz_fc_valid;
 };
 
 // A buffer of every slice; all in bytes.
@@ -59,6 +61,7 @@ struct StoredImage {
 
 struct StoredFlagBuffer {
   StoredBuffer buffer;
+  uint32_t valid;
   uint32_t pitch;  // bytes
 };
 
@@ -78,6 +81,20 @@ const unsigned char* stored_level(const unsigned char* record, uint32_t level) {
 template <typename Kind>
 const unsigned char* stored_plane(const unsigned char* level_at, uint32_t plane) {
   return level_at + Kind::kPlanes + plane * sizeof(typename Kind::Plane);
+}
+
+// `tiled` is the level's tiled word, which has been read.
+template <typename Kind>
+inline StoredLevel stored_level_words(const unsigned char* level_at, uint32_t tiled) {
+  using Level = typename Kind::Level;
+  return {
+      .size = KORVEL_STORED(level_at, Level, size),
+      .slices = KORVEL_STORED(level_at, Level, slices),
+      .tiled = tiled,
+      .planes = KORVEL_STORED(level_at, Level, planes),
+      .lrz_valid = KORVEL_STORED(level_at, Level, lrz_valid),
+      .lrz_fc_valid = KORVEL_STORED(level_at, Level, lrz_fc_valid),
+  };
 }
 
 template <typename Kind>
@@ -104,12 +121,13 @@ inline StoredImage stored_image(const unsigned char* plane_at) {
 }
 
 template <typename Kind>
-inline StoredFlagBuffer stored_flag_buffer(const unsigned char* plane_at) {
+inline StoredFlagBuffer stored_flag_buffer(const unsigned char* plane_at, uint32_t valid) {
   using Plane = typename Kind::Plane;
   return {
       .buffer = {.offset = KORVEL_STORED(plane_at, Plane, flag_offset),
                  .slice_pitch = KORVEL_STORED(plane_at, Plane, flag_slice_pitch),
                  .size = KORVEL_STORED(plane_at, Plane, flag_size)},
+      .valid = valid,
       .pitch = KORVEL_STORED(plane_at, Plane, flag_pitch),
   };
 }
@@ -137,11 +155,11 @@ inline StoredBuffer stored_lrz_fast_clear(const unsigned char* level_at) {
 }
 
 // `slices` is 1 or more. An end that does not fit 64 bits lies outside every surface.
-inline bool exceeds_surface(const StoredBuffer& buffer, uint32_t slices,
-                            uint64_t surface_size_bytes) {
+constexpr bool exceeds_surface(const StoredBuffer& buffer, uint32_t slices,
+                               uint64_t surface_size_bytes) {
   uint64_t end = buffer.offset + buffer.size;
   if (end < buffer.offset) return true;
-  uint64_t others;
+  uint64_t others = 0;
   if (__builtin_mul_overflow(uint64_t{slices - 1}, buffer.slice_pitch, &others)) return true;
   end += others;
   if (end < others) return true;

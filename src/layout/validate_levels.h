@@ -1,5 +1,9 @@
 // The rules of levels and planes, with their messages, in the order in which they are checked. Each
 // stands once for both kinds of record. Products are 32-bit and wrap.
+//
+// The walk through a record's levels starts in layout/plain_levels.h. Where it meets words that are
+// not plain, it comes here with the words as it has read them, and the rules go through these and
+// all that is left. So no word is read twice.
 #pragma once
 
 #include <korvel_utils.h>
@@ -11,10 +15,18 @@
 
 namespace korvel {
 
-// What a level is held against: the tiling of the level before, the depth buffer of level 0.
-struct LevelState {
+// What a level is held against: the words of the level before it, which have passed.
+struct LevelBefore {
   uint32_t tiled;
   uint32_t lrz_valid;
+};
+
+// What the header checks have established.
+struct CheckedHeader {
+  uint64_t total_size;    // bytes, the record's own size included
+  uint64_t surface_size;  // bytes; what every buffer must end within
+  uint32_t linear_fallback;
+  uint32_t levels;  // 1 to 15
 };
 
 // Where a check is made.
@@ -79,21 +91,18 @@ bool image_passes(const StoredImage& image, const LevelPlace& at, uint32_t plane
   return true;
 }
 
+// Of a plane that says that it has one.
 template <typename Kind>
-bool flag_buffer_passes(const unsigned char* plane_at, const LevelPlace& at, uint32_t plane,
+bool flag_buffer_passes(const StoredFlagBuffer& flag, const LevelPlace& at, uint32_t plane,
                         uint32_t tiled) {
-  using Plane = typename Kind::Plane;
-  const auto valid = KORVEL_STORED(plane_at, Plane, flag_valid);
-  if (valid == 0) return true;
-  if (valid != 1) {
+  if (flag.valid != 1) {
     KORVEL_REFUSE("Metadata level flagbuffer valid bit invalid {level %u, plane %u, valid %u}",
-                  at.level, plane, valid);
+                  at.level, plane, flag.valid);
   }
   if (tiled == 0) {
     KORVEL_REFUSE("Metadata level flagbuffer enabled but tiling is disabled {level %u, plane %u}",
                   at.level, plane);
   }
-  const StoredFlagBuffer flag = stored_flag_buffer<Kind>(plane_at);
   const StoredBuffer& buffer = flag.buffer;
   if (exceeds_surface(buffer, at.slices, at.surface_size_bytes)) {
     KORVEL_REFUSE(
@@ -117,22 +126,19 @@ bool flag_buffer_passes(const unsigned char* plane_at, const LevelPlace& at, uin
 // A chain may go from tiled to linear once, where the record allows it, and has low-resolution
 // depth on every level or on none.
 template <typename Kind>
-bool level_follows(uint32_t level, LevelState state, uint32_t linear_fallback, LevelState& chain) {
-  if (level == 0) {
-    chain = state;
-    return true;
-  }
-  if (state.tiled != chain.tiled) {
-    if (chain.tiled == 0) {
-      KORVEL_REFUSE("Metadata level tiled bit transitioned from untiled to tiled %u", level);
+bool level_follows(const StoredLevel& level, uint32_t number, LevelBefore before,
+                   uint32_t linear_fallback) {
+  if (number == 0) return true;
+  if (level.tiled != before.tiled) {
+    if (before.tiled == 0) {
+      KORVEL_REFUSE("Metadata level tiled bit transitioned from untiled to tiled %u", number);
     }
-    chain.tiled = 0;
     if (linear_fallback == 0) {
-      KORVEL_REFUSE("Metadata level has linear fallback but didnt enable bit in struct %u", level);
+      KORVEL_REFUSE("Metadata level has linear fallback but didnt enable bit in struct %u", number);
     }
   }
-  if (state.lrz_valid != chain.lrz_valid) {
-    KORVEL_REFUSE("Metadata lrz buffer is present for some levels but not for others %u", level);
+  if (level.lrz_valid != before.lrz_valid) {
+    KORVEL_REFUSE("Metadata lrz buffer is present for some levels but not for others %u", number);
   }
   return true;
 }
@@ -174,58 +180,138 @@ bool lrz_fast_clear_passes(const StoredBuffer& fast_clear, const LevelPlace& at)
   return true;
 }
 
+// A level but for its planes.
 template <typename Kind>
-bool level_passes(const unsigned char* level_at, uint32_t level, const CheckedHeader& header,
-                  LevelState& chain) {
-  using Level = typename Kind::Level;
-  const auto size = KORVEL_STORED(level_at, Level, size);
-  if (size == 0 || size > header.total_size) {
+bool level_passes(const unsigned char* level_at, const StoredLevel& level, LevelBefore before,
+                  const CheckedHeader& header, const LevelPlace& at) {
+  if (level.size == 0 || level.size > header.total_size) {
     KORVEL_REFUSE("Metadata level size is invalid value {level %u, size %llu, surface size %llu}",
-                  level, llu(size), llu(header.total_size));
+                  at.level, llu(level.size), llu(header.total_size));
   }
-  const auto slices = KORVEL_STORED(level_at, Level, slices);
-  if (slices == 0 || slices > KORVEL_MAX_SLICES) {
-    KORVEL_REFUSE("Metadata level slices is invalid value {level %u, slices %u}", level, slices);
+  if (level.slices == 0 || level.slices > KORVEL_MAX_SLICES) {
+    KORVEL_REFUSE("Metadata level slices is invalid value {level %u, slices %u}", at.level,
+                  level.slices);
   }
-  const auto tiled = KORVEL_STORED(level_at, Level, tiled);
-  if (tiled > 1) {
-    KORVEL_REFUSE("Metadata level tiled is invalid value {level %u, tiled %u}", level, tiled);
+  if (level.tiled > 1) {
+    KORVEL_REFUSE("Metadata level tiled is invalid value {level %u, tiled %u}", at.level,
+                  level.tiled);
   }
-  const auto planes = KORVEL_STORED(level_at, Level, planes);
-  if (planes == 0 || planes > KORVEL_MAX_PLANES) {
-    KORVEL_REFUSE("Metadata level planes is invalid value {level %u, planes %u}", level, planes);
+  if (level.planes == 0 || level.planes > KORVEL_MAX_PLANES) {
+    KORVEL_REFUSE("Metadata level planes is invalid value {level %u, planes %u}", at.level,
+                  level.planes);
   }
-  const auto lrz_valid = KORVEL_STORED(level_at, Level, lrz_valid);
-  if (lrz_valid > 1) {
-    KORVEL_REFUSE("Metadata level lrz valid bit is invalid value {level %u, lrz valid %u}", level,
-                  lrz_valid);
+  if (level.lrz_valid > 1) {
+    KORVEL_REFUSE("Metadata level lrz valid bit is invalid value {level %u, lrz valid %u}",
+                  at.level, level.lrz_valid);
   }
-  const auto lrz_fc_valid = KORVEL_STORED(level_at, Level, lrz_fc_valid);
-  if (lrz_fc_valid > 1) {
+  if (level.lrz_fc_valid > 1) {
     KORVEL_REFUSE("Metadata level lrz fc valid bit is invalid value {level %u, lrz fc valid %u}",
-                  level, lrz_fc_valid);
+                  at.level, level.lrz_fc_valid);
   }
-  if (lrz_valid != lrz_fc_valid) {
+  if (level.lrz_valid != level.lrz_fc_valid) {
     KORVEL_REFUSE(
-        "Metadata level lrz valid bits mismatch {level %u, lrz valid %u, lrz fc valid %u}", level,
-        lrz_valid, lrz_fc_valid);
+        "Metadata level lrz valid bits mismatch {level %u, lrz valid %u, lrz fc valid %u}",
+        at.level, level.lrz_valid, level.lrz_fc_valid);
   }
-  if (!level_follows<Kind>(level, {tiled, lrz_valid}, header.linear_fallback, chain)) return false;
+  if (!level_follows<Kind>(level, at.level, before, header.linear_fallback)) return false;
+  return level.lrz_valid == 0 ||
+         (lrz_passes<Kind>(stored_lrz<Kind>(level_at), at) &&
+          lrz_fast_clear_passes<Kind>(stored_lrz_fast_clear<Kind>(level_at), at));
+}
 
-  const LevelPlace at = {
-      .level = level, .slices = slices, .surface_size_bytes = header.surface_size};
-  if (lrz_valid == 1) {
-    if (!lrz_passes<Kind>(stored_lrz<Kind>(level_at), at)) return false;
-    if (!lrz_fast_clear_passes<Kind>(stored_lrz_fast_clear<Kind>(level_at), at)) return false;
-  }
-  for (uint32_t plane = 0; plane < planes; ++plane) {
+#undef KORVEL_REFUSE
+
+// A level without low-resolution depth whose own words have passed.
+struct PlainLevel {
+  const unsigned char* level_at;  // its place in the record
+  uint32_t number;
+  uint32_t slices;
+  uint32_t tiled;
+  uint32_t planes;
+};
+
+template <typename Kind>
+bool plane_has_valid_flags(const unsigned char* plane_at, const LevelPlace& at, uint32_t plane,
+                           uint32_t tiled) {
+  using Plane = typename Kind::Plane;
+  const auto valid = KORVEL_STORED(plane_at, Plane, flag_valid);
+  return valid == 0 ||
+         flag_buffer_passes<Kind>(stored_flag_buffer<Kind>(plane_at, valid), at, plane, tiled);
+}
+
+// The planes of a level from the first one given on.
+template <typename Kind>
+bool planes_pass(const unsigned char* level_at, const LevelPlace& at, uint32_t tiled,
+                 uint32_t planes, uint32_t first) {
+  for (uint32_t plane = first; plane < planes; ++plane) {
     const unsigned char* plane_at = stored_plane<Kind>(level_at, plane);
     if (!image_passes<Kind>(stored_image<Kind>(plane_at), at, plane)) return false;
-    if (!flag_buffer_passes<Kind>(plane_at, at, plane, tiled)) return false;
+    if (!plane_has_valid_flags<Kind>(plane_at, at, plane, tiled)) return false;
   }
   return true;
 }
 
-#undef KORVEL_REFUSE
+// The levels behind one that has passed.
+template <typename Kind>
+bool levels_behind_pass(const unsigned char* level_at, uint32_t number, LevelBefore before,
+                        const CheckedHeader& header) {
+  using Level = typename Kind::Level;
+  while (++number < header.levels) {
+    level_at += sizeof(Level);
+    const StoredLevel level =
+        stored_level_words<Kind>(level_at, KORVEL_STORED(level_at, Level, tiled));
+    const LevelPlace at = {
+        .level = number, .slices = level.slices, .surface_size_bytes = header.surface_size};
+    if (!level_passes<Kind>(level_at, level, before, header, at)) return false;
+    if (!planes_pass<Kind>(level_at, at, level.tiled, level.planes, 0)) return false;
+    before = {.tiled = level.tiled, .lrz_valid = level.lrz_valid};
+  }
+  return true;
+}
+
+// From here to the end of the record: from a level's own words on, from a plane's image on, from
+// its flag buffer on.
+
+template <typename Kind>
+[[gnu::cold, gnu::noinline]] bool passes_from_level(const unsigned char* level_at, uint32_t number,
+                                                    StoredLevel level, LevelBefore before,
+                                                    const CheckedHeader& header) {
+  const LevelPlace at = {
+      .level = number, .slices = level.slices, .surface_size_bytes = header.surface_size};
+  return level_passes<Kind>(level_at, level, before, header, at) &&
+         planes_pass<Kind>(level_at, at, level.tiled, level.planes, 0) &&
+         levels_behind_pass<Kind>(level_at, number,
+                                  {.tiled = level.tiled, .lrz_valid = level.lrz_valid}, header);
+}
+
+template <typename Kind>
+bool passes_behind_plane(const PlainLevel& level, const LevelPlace& at, uint32_t plane,
+                         const CheckedHeader& header) {
+  return planes_pass<Kind>(level.level_at, at, level.tiled, level.planes, plane + 1) &&
+         levels_behind_pass<Kind>(level.level_at, level.number,
+                                  {.tiled = level.tiled, .lrz_valid = 0}, header);
+}
+
+template <typename Kind>
+[[gnu::cold, gnu::noinline]] bool passes_from_image(PlainLevel level, uint32_t plane,
+                                                    StoredImage image,
+                                                    const CheckedHeader& header) {
+  const LevelPlace at = {
+      .level = level.number, .slices = level.slices, .surface_size_bytes = header.surface_size};
+  const unsigned char* plane_at = stored_plane<Kind>(level.level_at, plane);
+  return image_passes<Kind>(image, at, plane) &&
+         plane_has_valid_flags<Kind>(plane_at, at, plane, level.tiled) &&
+         passes_behind_plane<Kind>(level, at, plane, header);
+}
+
+template <typename Kind>
+[[gnu::cold, gnu::noinline]] bool passes_from_flag_buffer(PlainLevel level, uint32_t plane,
+                                                          StoredFlagBuffer flag,
+                                                          const CheckedHeader& header) {
+  const LevelPlace at = {
+      .level = level.number, .slices = level.slices, .surface_size_bytes = header.surface_size};
+  return flag_buffer_passes<Kind>(flag, at, plane, level.tiled) &&
+         passes_behind_plane<Kind>(level, at, plane, header);
+}
 
 }  // namespace korvel
