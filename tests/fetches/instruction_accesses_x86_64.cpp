@@ -67,6 +67,11 @@ bool may_be_masked(const cs_x86& details) {
   return false;
 }
 
+// What reads memory and then stores there, of which libcapstone does not say the first.
+bool exchanges(const cs_insn& instruction) {
+  return instruction.detail->x86.prefix[0] == X86_PREFIX_LOCK || instruction.id == X86_INS_CMPXCHG;
+}
+
 std::string hexadecimal(const uint8_t* bytes, std::size_t count) {
   std::string text;
   for (std::size_t i = 0; i < count; ++i) {
@@ -121,7 +126,7 @@ std::vector<Access> instruction_accesses(const ucontext_t& stopped_at, uintptr_t
     Access access = {base + index * scale + displacement, operand.size,
                      (operand.access & CS_AC_READ) != 0, (operand.access & CS_AC_WRITE) != 0};
     if (fault >= access.address && fault - access.address < access.bytes) {
-      access.loads = !fault_stores || (access.loads && access.stores);
+      access.loads = !fault_stores || (access.loads && access.stores) || exchanges(instruction);
       access.stores = fault_stores;
     }
     accesses.push_back(access);

@@ -67,9 +67,9 @@ struct Handlers {
       return;
     }
     WatchedMemory& memory = *watched_now;
-    const bool had_flips = !memory.flips_.empty();
     memory.make_flips();
-    if (!had_flips || !memory.flips_.empty()) memory.close();
+    const bool watch_on = !memory.flips_.empty() || memory.after_flips_ == AfterFlips::kWatchOn;
+    if (watch_on) memory.close();
   }
 
  private:
@@ -156,6 +156,7 @@ Trace WatchedMemory::end() {
   sigaction(SIGSEGV, &segv_before, nullptr);
   sigaction(SIGTRAP, &trap_before, nullptr);
   flips_.clear();
+  after_flips_ = AfterFlips::kWatchOn;
   return std::move(trace_);
 }
 

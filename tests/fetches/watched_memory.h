@@ -34,6 +34,9 @@ struct Flip {
   std::vector<unsigned char> after;  // what stands there from the end of the first load of it on
 };
 
+// What becomes of a call's accesses when the last word has changed.
+enum class AfterFlips { kWatchOn, kStopWatching };
+
 class WatchedMemory {
  public:
   // `page_starts_at`: this byte of the memory is the first of a page, from which on accesses are
@@ -49,9 +52,11 @@ class WatchedMemory {
   unsigned char* data() const { return start_; }
   std::size_t size() const { return bytes_; }
 
-  // The words change while the next call is watched, and when the last of them has, its further
-  // accesses are not noted.
-  void flip_after_first_load(std::vector<Flip> flips) { flips_ = std::move(flips); }
+  // The words change while the next call is watched.
+  void flip_after_first_load(std::vector<Flip> flips, AfterFlips after) {
+    flips_ = std::move(flips);
+    after_flips_ = after;
+  }
 
   // The call is given up where it leaves the mapped pages around the memory, or where an instruction
   // is not understood. Never inlined: what the caller keeps in registers survives the jump.
@@ -79,6 +84,7 @@ class WatchedMemory {
   std::size_t watched_bytes_ = 0;
 
   std::vector<Flip> flips_;
+  AfterFlips after_flips_ = AfterFlips::kWatchOn;
   Trace trace_;
   std::size_t noted_in_step_ = 0;  // touches of the instruction that is stepped over
   sigjmp_buf give_up_at_;

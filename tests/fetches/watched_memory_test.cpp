@@ -152,6 +152,10 @@ const Case kInstructions[] = {
      [](unsigned char* p) { asm volatile("lock cmpxchgl %%ecx, 64(%0)" ::"r"(p)
                                          : "rax", "cc"); },
      {{64, 4, kLoads, kStores}}},
+    {"an exchange where equal, not locked",
+     [](unsigned char* p) { asm volatile("cmpxchgl %%ecx, 64(%0)" ::"r"(p)
+                                         : "rax", "cc"); },
+     {{64, 4, kLoads, kStores}}},
     {"a string, 8 bytes at a time",
      [](unsigned char* p) {
        unsigned char copy[16];
@@ -321,7 +325,7 @@ TEST(WatchedMemory, GivesWayToAnotherWriterBehindTheFirstLoad) {
   WatchedMemory memory(100, 50);  // byte 50 begins a page
   memory.data()[50] = 1;
   memory.data()[60] = 2;
-  memory.flip_after_first_load({{60, {7}}, {50, {8}}});
+  memory.flip_after_first_load({{60, {7}}, {50, {8}}}, AfterFlips::kStopWatching);
   std::vector<unsigned> seen;
   const Trace trace = memory.watch([&] {
     for (const std::size_t at : {49, 50, 50, 60, 60, 50}) {
