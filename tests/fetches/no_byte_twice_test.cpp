@@ -71,6 +71,7 @@ TYPED_TEST(ValidatorLoads, NoByteOfARecordAtAnyAddressTwice) {
     const std::string what = "shifted by " + std::to_string(shift_bytes);
     const WatchedVerdict seen = this->check(full_record<Kind>(), what, Kind::kBytes, shift_bytes);
     EXPECT_TRUE(seen.verdict.accepted()) << what << ": " << seen.verdict;
+    if (this->HasFailure()) return;  // one is enough
   }
 }
 

@@ -1,0 +1,183 @@
+// A stored word that another writer changes as soon as it has been read: the verdict is that of the
+// record as it was read, message and all.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <set>
+
+#include "tests/fetches/single_faults.h"
+#include "tests/fetches/trace_rules.h"
+
+namespace fetches {
+namespace {
+
+// Numbers that one word or another must not have.
+std::vector<uint64_t> odd_numbers(const Word& word) {
+  if (word.bytes == 8) {
+    return {0, 1, 0x1001, uint64_t{1} << 40, uint64_t{1} << 63, 0xFFFFFFFFFFFFFFFF};
+  }
+  return {0, 1, 2, 4, 5, 16, 33, 65, 722, 0x1001, 0x10000, 0x80000000, 0xFFFFFFFF};
+}
+
+Flip flip_to(const Word& word, const void* record) {
+  const auto* bytes = static_cast<const unsigned char*>(record) + word.offset_bytes;
+  return {word.offset_bytes, {bytes, bytes + word.bytes}};
+}
+
+template <typename Kind>
+class Flips : public testing::Test {
+ public:
+  using Record = typename Kind::Record;
+
+  // The record is `first` until it is read, and the named words are those of `then` from then on.
+  WatchedVerdict flipped(WatchedMemory& memory, const Record& first, const Record& then,
+                         const std::vector<Word>& words, AfterFlips after) {
+    std::memcpy(memory.data(), &first, sizeof first);
+    std::vector<Flip> flips;
+    for (const Word& word : words) flips.push_back(flip_to(word, &then));
+    memory.flip_after_first_load(std::move(flips), after);
+    return watched_verdict<Kind>(gpu_, memory);
+  }
+
+  // Expects the verdict on `first`, and that the word was read at all.
+  void check(WatchedMemory& memory, const Record& first, const Record& then, const Word& word,
+             AfterFlips after = AfterFlips::kStopWatching) {
+    const Verdict expected = unwatched_verdict<Kind>(gpu_, first);
+    const WatchedVerdict seen = flipped(memory, first, then, {word}, after);
+    const std::string what = word.name() + ", " + std::to_string(word_in(&first, word)) +
+                             " and then " + std::to_string(word_in(&then, word));
+    EXPECT_EQ(seen.verdict, expected) << what;
+    EXPECT_EQ(broken_rule(seen.trace, sizeof first, name_of_byte<Kind>), "") << what;
+    EXPECT_EQ(seen.trace.flips, 1U) << what;
+    EXPECT_EQ(word_in(memory.data(), word), word_in(&then, word)) << what;
+  }
+
+  // Numbers of the word that make the record invalid, one for each message.
+  std::vector<uint64_t> invalid_numbers(const Record& valid, const Word& word) {
+    std::vector<uint64_t> numbers;
+    std::set<std::string> met;
+    for (const uint64_t number : odd_numbers(word)) {
+      Record record = valid;
+      put_word(&record, word, number);
+      const Verdict verdict = unwatched_verdict<Kind>(gpu_, record);
+      if (verdict.accepted()) continue;
+      if (met.insert(verdict.message.substr(0, verdict.message.find('{'))).second) {
+        numbers.push_back(number);
+      }
+    }
+    return numbers;
+  }
+
+  harness::Gpu gpu_{harness::kUnknownChip};
+};
+
+using Kinds = testing::Types<ResourceKind, SurfaceKind>;
+TYPED_TEST_SUITE(Flips, Kinds, KindName);
+
+// Each word of the header, of each level and of each plane. Every word has a number that is refused
+// in one of the two records; without one it would not be tried.
+TYPED_TEST(Flips, OfEachWordFromInvalidToValid) {
+  using Kind = TypeParam;
+  for (const Word& word : checked_words<Kind>()) {
+    WatchedMemory memory(Kind::kBytes, word.offset_bytes);
+    std::size_t tried = 0;
+    for (const auto& valid : {full_record<Kind>(), fallback_record<Kind>()}) {
+      if (tried != 0 && word.field != "tiled") continue;
+      for (const uint64_t number : this->invalid_numbers(valid, word)) {
+        auto invalid = valid;
+        put_word(&invalid, word, number);
+        this->check(memory, invalid, valid, word);
+        ++tried;
+      }
+    }
+    EXPECT_GT(tried, 0U) << word.name();
+    if (this->HasFailure()) return;  // one is enough
+  }
+}
+
+TYPED_TEST(Flips, OfEachWordFromValidToAnything) {
+  using Kind = TypeParam;
+  const auto valid = full_record<Kind>();
+  for (const Word& word : checked_words<Kind>()) {
+    // Full records need not have it read.
+    if (word.field == "linear_fallback") continue;
+    WatchedMemory memory(Kind::kBytes, word.offset_bytes);
+    std::vector<uint64_t> numbers = this->invalid_numbers(valid, word);
+    EXPECT_FALSE(numbers.empty()) << word.name();
+    numbers.push_back(word_in(&valid, word) ^ 0x5A5A5A5A);
+    for (const uint64_t number : numbers) {
+      auto anything = valid;
+      put_word(&anything, word, number);
+      this->check(memory, valid, anything, word);
+    }
+    if (this->HasFailure()) return;  // one is enough
+  }
+}
+
+TYPED_TEST(Flips, OfTheFallbackWord) {
+  using Kind = TypeParam;
+  auto valid = fallback_record<Kind>();
+  auto invalid = valid;
+  invalid.linear_fallback = 0;
+  WatchedMemory memory(Kind::kBytes);
+  const auto& words = checked_words<Kind>();
+  const auto word = std::find_if(words.begin(), words.end(),
+                                 [](const Word& w) { return w.field == "linear_fallback"; });
+  ASSERT_NE(word, words.end());
+  this->check(memory, valid, invalid, *word, AfterFlips::kWatchOn);
+  this->check(memory, invalid, valid, *word, AfterFlips::kWatchOn);
+}
+
+// Each message, some of which take two wrong words: all of them are put right, each as soon as it
+// has been read.
+TYPED_TEST(Flips, OfTheWordsBehindEachMessage) {
+  using Kind = TypeParam;
+  const auto valid = full_record<Kind>();
+  WatchedMemory memory(Kind::kBytes);
+  std::set<std::string> met;
+  for (const SingleFault<Kind>& fault : single_faults<Kind>()) {
+    auto invalid = valid;
+    fault.change(invalid);
+    std::vector<Word> changed;
+    for (const Word& word : checked_words<Kind>()) {
+      if (word_in(&invalid, word) != word_in(&valid, word)) changed.push_back(word);
+    }
+    ASSERT_FALSE(changed.empty()) << fault.message_begins;
+    const Verdict expected = unwatched_verdict<Kind>(this->gpu_, invalid);
+    const WatchedVerdict seen =
+        this->flipped(memory, invalid, valid, changed, AfterFlips::kStopWatching);
+    EXPECT_EQ(seen.verdict, expected) << changed[0].name();
+    EXPECT_FALSE(seen.verdict.accepted()) << changed[0].name();
+    EXPECT_GT(seen.trace.flips, 0U) << changed[0].name();
+    EXPECT_EQ(broken_rule(seen.trace, Kind::kBytes, name_of_byte<Kind>), "") << changed[0].name();
+    met.insert(fault.message_begins);
+  }
+  EXPECT_EQ(met.size(), messages_of_validator<Kind>().size());
+}
+
+// The words that say what else there is to read, watched to the end of the call: whatever they say
+// afterwards, nothing more is read for it, and nothing beyond the record.
+TYPED_TEST(Flips, OfWordsThatCountOthers) {
+  using Kind = TypeParam;
+  const std::set<std::string> counting = {"levels", "slices",    "planes",       "tiled",
+                                          "size",   "lrz_valid", "lrz_fc_valid", "flag_valid"};
+  const std::set<std::string> places = {"", " of level 0", " of level 0 plane 0", " of level 14",
+                                        " of level 14 plane 2"};
+  const auto valid = full_record<Kind>();
+  WatchedMemory memory(Kind::kBytes);
+  std::size_t tried = 0;
+  for (const Word& word : checked_words<Kind>()) {
+    if (counting.count(word.field) == 0 || places.count(word.place) == 0) continue;
+    for (const uint64_t number : {uint64_t{0}, uint64_t{1}, uint64_t{0xFFFFFFFF}}) {
+      auto anything = valid;
+      put_word(&anything, word, number);
+      this->check(memory, valid, anything, word, AfterFlips::kWatchOn);
+      ++tried;
+    }
+  }
+  // size and levels; six words of each of two levels; flag_valid of each of two planes
+  EXPECT_EQ(tried, 3U * (2 + 2 * 6 + 2));
+}
+
+}  // namespace
+}  // namespace fetches
