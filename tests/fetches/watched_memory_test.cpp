@@ -107,6 +107,100 @@ const Case kInstructions[] = {
                     : "rax", "cc", "memory");
      },
      {{64, 8, kLoads, false}}},
+    {"vectors added",
+     [](unsigned char* p) {
+       asm volatile("lea 64(%0), %%rax\n and $-16, %%rax\n paddq (%%rax), %%xmm0" ::"r"(p)
+                    : "rax", "cc", "xmm0");
+     },
+     {{64, 16, kLoads, false}}},
+    {"vectors exclusively or-ed",
+     [](unsigned char* p) {
+       asm volatile("lea 64(%0), %%rax\n and $-16, %%rax\n pxor (%%rax), %%xmm0" ::"r"(p)
+                    : "rax", "cc", "xmm0");
+     },
+     {{64, 16, kLoads, false}}},
+    {"words interleaved",
+     [](unsigned char* p) {
+       asm volatile("lea 64(%0), %%rax\n and $-16, %%rax\n punpckldq (%%rax), %%xmm0" ::"r"(p)
+                    : "rax", "cc", "xmm0");
+     },
+     {{64, 16, kLoads, false}}},
+    {"an aligned vector",
+     [](unsigned char* p) {
+       asm volatile("lea 64(%0), %%rax\n and $-16, %%rax\n movaps (%%rax), %%xmm0" ::"r"(p)
+                    : "rax", "cc", "xmm0");
+     },
+     {{64, 16, kLoads, false}}},
+    {"a vector's bytes compared",
+     [](unsigned char* p) {
+       asm volatile("lea 64(%0), %%rax\n and $-16, %%rax\n pcmpeqb (%%rax), %%xmm0" ::"r"(p)
+                    : "rax", "cc", "xmm0");
+     },
+     {{64, 16, kLoads, false}}},
+    {"vectors and-ed",
+     [](unsigned char* p) {
+       asm volatile("lea 64(%0), %%rax\n and $-16, %%rax\n andps (%%rax), %%xmm0" ::"r"(p)
+                    : "rax", "cc", "xmm0");
+     },
+     {{64, 16, kLoads, false}}},
+    {"halves mixed",
+     [](unsigned char* p) {
+       asm volatile("lea 64(%0), %%rax\n and $-16, %%rax\n shufps $0x44, (%%rax), %%xmm0" ::"r"(p)
+                    : "rax", "cc", "xmm0");
+     },
+     {{64, 16, kLoads, false}}},
+    {"16 bytes of numbers",
+     [](unsigned char* p) { asm volatile("movups 64(%0), %%xmm0" ::"r"(p)
+                                         : "xmm0"); },
+     {{64, 16, kLoads, false}}},
+    {"a double",
+     [](unsigned char* p) { asm volatile("movsd 64(%0), %%xmm0" ::"r"(p)
+                                         : "xmm0"); },
+     {{64, 8, kLoads, false}}},
+    {"a float",
+     [](unsigned char* p) { asm volatile("movss 64(%0), %%xmm0" ::"r"(p)
+                                         : "xmm0"); },
+     {{64, 4, kLoads, false}}},
+    {"the upper half, a double",
+     [](unsigned char* p) { asm volatile("movhpd 64(%0), %%xmm0" ::"r"(p)
+                                         : "xmm0"); },
+     {{64, 8, kLoads, false}}},
+    {"1 byte widened",
+     [](unsigned char* p) { asm volatile("movzbl 64(%0), %%eax" ::"r"(p)
+                                         : "rax"); },
+     {{64, 1, kLoads, false}}},
+    {"a sum",
+     [](unsigned char* p) { asm volatile("addq 64(%0), %%rax" ::"r"(p)
+                                         : "rax", "cc"); },
+     {{64, 8, kLoads, false}}},
+    {"a difference",
+     [](unsigned char* p) { asm volatile("sbbl 64(%0), %%eax" ::"r"(p)
+                                         : "rax", "cc"); },
+     {{64, 4, kLoads, false}}},
+    {"a register compared",
+     [](unsigned char* p) { asm volatile("cmpq 64(%0), %%rax" ::"r"(p)
+                                         : "cc"); },
+     {{64, 8, kLoads, false}}},
+    {"with a register compared",
+     [](unsigned char* p) { asm volatile("cmpq %%rax, 64(%0)" ::"r"(p)
+                                         : "cc"); },
+     {{64, 8, kLoads, false}}},
+    {"a byte compared",
+     [](unsigned char* p) { asm volatile("cmpb $0, 64(%0)" ::"r"(p)
+                                         : "cc"); },
+     {{64, 1, kLoads, false}}},
+    {"a register tested",
+     [](unsigned char* p) { asm volatile("testq %%rax, 64(%0)" ::"r"(p)
+                                         : "cc"); },
+     {{64, 8, kLoads, false}}},
+    {"a bit tested",
+     [](unsigned char* p) { asm volatile("btl $3, 64(%0)" ::"r"(p)
+                                         : "cc"); },
+     {{64, 4, kLoads, false}}},
+    {"a product with a number",
+     [](unsigned char* p) { asm volatile("imulq $3, 64(%0), %%rax" ::"r"(p)
+                                         : "rax", "cc"); },
+     {{64, 8, kLoads, false}}},
     {"4 bytes stored",
      [](unsigned char* p) { asm volatile("movl $5, 64(%0)" ::"r"(p)); },
      {{64, 4, false, kStores}}},
