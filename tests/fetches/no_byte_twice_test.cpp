@@ -113,6 +113,8 @@ TYPED_TEST(ValidatorLoads, EveryWordThatTheRulesName) {
   using Kind = TypeParam;
   const auto full = this->check(full_record<Kind>(), "full");
   const auto fallback = this->check(fallback_record<Kind>(), "with linear levels");
+  this->RecordProperty("loads_of_full_record", static_cast<int>(count_loads(full.trace)));
+  this->RecordProperty("loads_of_linear_levels", static_cast<int>(count_loads(fallback.trace)));
   const std::vector<bool> loaded_of_full = loaded_bytes(full.trace, Kind::kBytes);
   const std::vector<bool> loaded_of_fallback = loaded_bytes(fallback.trace, Kind::kBytes);
   for (const Word& word : checked_words<Kind>()) {

@@ -103,7 +103,7 @@ TEST(WatchedMemory, GivesWayToAnotherWriterBehindTheFirstLoad) {
   memory.flip_after_first_load({{60, {7}}, {50, {8}}}, AfterFlips::kStopWatching);
   std::vector<unsigned> seen;
   const Trace trace = memory.watch([&] {
-    for (const std::size_t at : {49, 50, 50, 60, 60, 50}) {
+    for (const std::size_t at : {49U, 50U, 50U, 60U, 60U, 50U}) {
       const unsigned byte = load_byte(memory.data() + at);
       seen.push_back(byte);
     }
