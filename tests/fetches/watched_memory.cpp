@@ -43,14 +43,10 @@ bool overlap(std::ptrdiff_t a, std::size_t a_bytes, std::ptrdiff_t b, std::size_
 
 }  // namespace
 
-// What the signals do. A signal that is none of a watched call's is left to who comes after.
+// What the signals do that arrive while a call is watched.
 struct Handlers {
   static void on_fault(int, siginfo_t* info, void* context) {
     auto& stopped_at = *static_cast<ucontext_t*>(context);
-    if (watched_now == nullptr) {
-      std::signal(SIGSEGV, SIG_DFL);  // the fault comes again, and ends the program
-      return;
-    }
     WatchedMemory& memory = *watched_now;
     const auto fault = reinterpret_cast<uintptr_t>(info->si_addr);
     const std::string problem = note(memory, stopped_at, fault);
@@ -61,7 +57,7 @@ struct Handlers {
 
   static void on_trap(int, siginfo_t*, void* context) {
     auto& stopped_at = *static_cast<ucontext_t*>(context);
-    if (watched_now == nullptr || !end_step(stopped_at)) {
+    if (!end_step(stopped_at)) {
       // A trap of the program's own. It comes again, and ends the program.
       std::signal(SIGTRAP, SIG_DFL);
       return;
