@@ -24,6 +24,12 @@ Flip flip_to(const Word& word, const void* record) {
   return {word.offset_bytes, {bytes, bytes + word.bytes}};
 }
 
+std::size_t lowest_offset_bytes(const std::vector<Word>& words) {
+  std::size_t lowest = words[0].offset_bytes;
+  for (const Word& word : words) lowest = std::min(lowest, word.offset_bytes);
+  return lowest;
+}
+
 template <typename Kind>
 class Flips : public testing::Test {
  public:
@@ -133,7 +139,6 @@ TYPED_TEST(Flips, OfTheFallbackWord) {
 TYPED_TEST(Flips, OfTheWordsBehindEachMessage) {
   using Kind = TypeParam;
   const auto valid = full_record<Kind>();
-  WatchedMemory memory(Kind::kBytes);
   std::set<std::string> met;
   for (const SingleFault<Kind>& fault : single_faults<Kind>()) {
     auto invalid = valid;
@@ -143,6 +148,7 @@ TYPED_TEST(Flips, OfTheWordsBehindEachMessage) {
       if (word_in(&invalid, word) != word_in(&valid, word)) changed.push_back(word);
     }
     ASSERT_FALSE(changed.empty()) << fault.message_begins;
+    WatchedMemory memory(Kind::kBytes, lowest_offset_bytes(changed));
     const Verdict expected = unwatched_verdict<Kind>(this->gpu_, invalid);
     const WatchedVerdict seen =
         this->flipped(memory, invalid, valid, changed, AfterFlips::kStopWatching);
