@@ -68,10 +68,12 @@ TYPED_TEST(ValidatorLoads, NoByteOfAValidRecordTwice) {
 TYPED_TEST(ValidatorLoads, NoByteOfARecordAtAnyAddressTwice) {
   using Kind = TypeParam;
   for (std::size_t shift_bytes = 1; shift_bytes < 16; ++shift_bytes) {
-    const std::string what = "shifted by " + std::to_string(shift_bytes);
-    const WatchedVerdict seen = this->check(full_record<Kind>(), what, Kind::kBytes, shift_bytes);
-    EXPECT_TRUE(seen.verdict.accepted()) << what << ": " << seen.verdict;
-    if (this->HasFailure()) return;  // one is enough
+    for (const auto& record : {full_record<Kind>(), plain_record<Kind>(1)}) {
+      const std::string what = "shifted by " + std::to_string(shift_bytes);
+      const WatchedVerdict seen = this->check(record, what, Kind::kBytes, shift_bytes);
+      EXPECT_TRUE(seen.verdict.accepted()) << what << ": " << seen.verdict;
+      if (this->HasFailure()) return;  // one is enough
+    }
   }
 }
 
@@ -110,17 +112,25 @@ TYPED_TEST(ValidatorLoads, NoByteOfAnInvalidRecordOfAnotherShapeTwice) {
 // A validator that loaded nothing would pass all of the above.
 TYPED_TEST(ValidatorLoads, EveryWordThatTheRulesName) {
   using Kind = TypeParam;
-  const auto full = this->check(full_record<Kind>(), "full");
-  const auto fallback = this->check(fallback_record<Kind>(), "with linear levels");
-  this->RecordProperty("loads_of_full_record", static_cast<int>(count_loads(full.trace)));
-  this->RecordProperty("loads_of_linear_levels", static_cast<int>(count_loads(fallback.trace)));
-  const std::vector<bool> loaded_of_full = loaded_bytes(full.trace, Kind::kBytes);
-  const std::vector<bool> loaded_of_fallback = loaded_bytes(fallback.trace, Kind::kBytes);
+  const auto loaded_of = [this](const char* what, const typename Kind::Record& record) {
+    const WatchedVerdict seen = this->check(record, what);
+    this->RecordProperty(std::string("loads_of_") + what,
+                         static_cast<int>(count_loads(seen.trace)));
+    return loaded_bytes(seen.trace, Kind::kBytes);
+  };
+  const std::vector<bool> full = loaded_of("full_record", full_record<Kind>());
+  const std::vector<bool> plain = loaded_of("plain_record", plain_record<Kind>(1));
+  const std::vector<bool> fallback =
+      loaded_of("record_with_linear_levels", fallback_record<Kind>());
   for (const Word& word : checked_words<Kind>()) {
-    const std::vector<bool>& loaded =
-        word.field == "linear_fallback" ? loaded_of_fallback : loaded_of_full;
-    for (std::size_t i = 0; i < word.bytes; ++i) {
-      EXPECT_TRUE(loaded[word.offset_bytes + i]) << word.name() << ", byte " << i;
+    const bool of_lrz = word.field.starts_with("lrz_") && !word.field.ends_with("_valid");
+    for (std::size_t i = word.offset_bytes; i < word.offset_bytes + word.bytes; ++i) {
+      if (word.field == "linear_fallback") {
+        EXPECT_TRUE(fallback[i]) << word.name();
+        continue;
+      }
+      EXPECT_TRUE(full[i]) << word.name() << " of the full record";
+      EXPECT_TRUE(plain[i] || of_lrz) << word.name() << " of the plain record";
     }
   }
 }

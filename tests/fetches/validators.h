@@ -88,7 +88,13 @@ typename Kind::Record full_record() {
   return records::valid_record<Kind>({.levels = KORVEL_MAX_LEVELS, .slices = 4});
 }
 
-// The same, tiled in seven levels and linear in the rest.
+// The same without depth buffers, which validators may have a quicker way for.
+template <typename Kind>
+typename Kind::Record plain_record(uint32_t slices) {
+  return records::valid_record<Kind>({.levels = KORVEL_MAX_LEVELS, .slices = slices, .lrz = false});
+}
+
+// Full, but tiled in seven levels and linear in the rest.
 template <typename Kind>
 typename Kind::Record fallback_record() {
   return records::valid_record<Kind>(
