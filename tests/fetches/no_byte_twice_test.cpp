@@ -67,7 +67,7 @@ TYPED_TEST(ValidatorLoads, NoByteOfAValidRecordTwice) {
 
 TYPED_TEST(ValidatorLoads, NoByteOfARecordAtAnyAddressTwice) {
   using Kind = TypeParam;
-  for (std::size_t shift_bytes = 1; shift_bytes < 16; ++shift_bytes) {
+  for (const std::size_t shift_bytes : {1U, 2U, 4U, 8U, 15U}) {
     for (const auto& record : {full_record<Kind>(), plain_record<Kind>(1)}) {
       const std::string what = "shifted by " + std::to_string(shift_bytes);
       const WatchedVerdict seen = this->check(record, what, Kind::kBytes, shift_bytes);
