@@ -24,6 +24,13 @@ Flip flip_to(const Word& word, const void* record) {
   return {word.offset_bytes, {bytes, bytes + word.bytes}};
 }
 
+// Of neither the header nor the first or the last level, which stand for the others.
+bool in_the_middle(const Word& word) {
+  return !word.place.empty() && word.place.find("uuid") == std::string::npos &&
+         word.place.find("level 0") == std::string::npos &&
+         word.place.find("level 14") == std::string::npos;
+}
+
 std::size_t lowest_offset_bytes(const std::vector<Word>& words) {
   std::size_t lowest = words[0].offset_bytes;
   for (const Word& word : words) lowest = std::min(lowest, word.offset_bytes);
@@ -58,7 +65,8 @@ class Flips : public testing::Test {
     EXPECT_EQ(word_in(memory.data(), word), word_in(&then, word)) << what;
   }
 
-  // Numbers of the word that make the record invalid, one for each message.
+  // Numbers of the word that make the record invalid, one for each message; in the middle of the
+  // record one for each word.
   std::vector<uint64_t> invalid_numbers(const Record& valid, const Word& word) {
     std::vector<uint64_t> numbers;
     std::set<std::string> met;
@@ -67,6 +75,7 @@ class Flips : public testing::Test {
       put_word(&record, word, number);
       const Verdict verdict = unwatched_verdict<Kind>(gpu_, record);
       if (verdict.accepted()) continue;
+      if (!numbers.empty() && in_the_middle(word)) continue;
       if (met.insert(verdict.message.substr(0, verdict.message.find('{'))).second) {
         numbers.push_back(number);
       }
@@ -117,7 +126,7 @@ TYPED_TEST(Flips, OfEachWordFromValidToAnything) {
     for (const auto& valid : all) {
       std::vector<uint64_t> numbers = this->invalid_numbers(valid, word);
       if (numbers.empty()) continue;  // the words of absent buffers are not read
-      numbers.push_back(word_in(&valid, word) ^ 0x5A5A5A5A);
+      if (!in_the_middle(word)) numbers.push_back(word_in(&valid, word) ^ 0x5A5A5A5A);
       for (const uint64_t number : numbers) {
         auto anything = valid;
         put_word(&anything, word, number);
