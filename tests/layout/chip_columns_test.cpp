@@ -123,6 +123,7 @@ constexpr uint32_t kOutsideLevelSizeAlignment[] = {0x06090001, 0x07200010, 0x430
 // Three levels of 128 x 64 elements and less, with flags for tiles of 16 x 4: 8 x 16 bytes, 4 x 8,
 // 2 x 4, each side raised to 64. In all 168 bytes, or three times 4096; both to pages.
 TEST(ChipColumns, ALevelSizeAlignmentRoundsTheFlagBuffersOfAChain) {
+  std::size_t chips_outside = 0;
   for (const harness::ChipData& chip : korvel::kChipData) {
     if (chip.ubwc.never) continue;
     SCOPED_TRACE(chip.chip_id);
@@ -133,11 +134,13 @@ TEST(ChipColumns, ALevelSizeAlignmentRoundsTheFlagBuffersOfAChain) {
     const bool outside =
         std::find(std::begin(kOutsideLevelSizeAlignment), std::end(kOutsideLevelSizeAlignment),
                   chip.chip_id) != std::end(kOutsideLevelSizeAlignment);
+    chips_outside += outside ? 1 : 0;
     const uint32_t rounded_bytes = chip.columns.min_level_extent ? 3 * 4096 : 4096;
     for (uint32_t level = 0; level < 3; ++level) {
       EXPECT_NUMBER(record.level[level].plane[0].flag_slice_pitch, outside ? 0 : rounded_bytes);
     }
   }
+  EXPECT_EQ(chips_outside, std::size(kOutsideLevelSizeAlignment));
 }
 
 TEST(ChipColumns, OthersHaveNoEffectOnOneLevel) {
