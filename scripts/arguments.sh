@@ -3,9 +3,10 @@
 
 script=scripts/$(basename "$0")
 
-# What would make the script's programs test another library, another GPU, other tests or none, or have sanitizers
-# overlook what they find.
-unset KORVEL_UTILS_LIBRARY "${!HXL_SIM_@}" "${!GTEST_@}" ASAN_OPTIONS LSAN_OPTIONS TSAN_OPTIONS UBSAN_OPTIONS
+# What would make the script's programs test another library, another GPU, other tests or none, have sanitizers
+# overlook what they find, or what counts and measures do so differently.
+unset KORVEL_UTILS_LIBRARY "${!HXL_SIM_@}" "${!GTEST_@}" ASAN_OPTIONS LSAN_OPTIONS TSAN_OPTIONS UBSAN_OPTIONS \
+  VALGRIND_OPTS "${!QEMU_@}" "${!BENCHMARK_@}"
 
 # The comment at the top of the script, without its marks. Run in the folder that holds scripts/.
 print_help() {

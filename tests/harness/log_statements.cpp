@@ -204,7 +204,8 @@ class LogStatements {
       }
       nowhere << ' ' << statement.file << ':' << statement.first_line << '-' << statement.last_line;
     }
-    return nowhere;
+    return nowhere << "; or the library is built from other sources than those in "
+                   << KORVEL_LIBRARY_SOURCES;
   }
 
  private:
