@@ -3,6 +3,11 @@
 
 script=scripts/$(basename "$0")
 
+# What would make the script's programs test another library, another GPU, other tests or none, have sanitizers
+# overlook what they find, or what counts and measures do so differently.
+unset KORVEL_UTILS_LIBRARY "${!HXL_SIM_@}" "${!GTEST_@}" ASAN_OPTIONS LSAN_OPTIONS TSAN_OPTIONS UBSAN_OPTIONS \
+  VALGRIND_OPTS "${!QEMU_@}" "${!BENCHMARK_@}"
+
 # The comment at the top of the script, without its marks. Run in the folder that holds scripts/.
 print_help() {
   awk 'NR == 1 { next } !/^#/ { exit } { sub(/^# ?/, ""); print }' "$script"
@@ -12,6 +17,12 @@ print_help() {
 refuse() {
   echo "$script: $1; see $script --help" >&2
   exit 2
+}
+
+# fail WHAT: one line that says why the script cannot go on.
+fail() {
+  echo "$script: $1" >&2
+  exit 1
 }
 
 # Answers --help, wherever it stands among the arguments.

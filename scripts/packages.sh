@@ -1,4 +1,4 @@
-# Sourced by the other scripts: installs the Debian packages that a step needs and does not find, and runs commands
+# Sourced by the other scripts behind arguments.sh: installs the Debian packages that a step needs and does not find, and runs commands
 # that speak only when they fail.
 
 build_packages=(g++ cmake ninja-build libcli11-dev libfmt-dev nlohmann-json3-dev)
@@ -9,10 +9,11 @@ arm64_packages=(g++-aarch64-linux-gnu qemu-user googletest)
 bench_packages=(libbenchmark-dev libgtest-dev libgmock-dev libcapstone-dev valgrind)
 
 install_packages() {
-  local missing=() package
+  local installed missing=() package
+  # It fails where it does not know one of them, and tells of the others all the same.
+  installed=$(dpkg-query -W -f='${Package} ${Status}\n' "$@" 2>/dev/null || true)
   for package in "$@"; do
-    dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q '^install ok installed$' ||
-      missing+=("$package")
+    [[ $'\n'$installed$'\n' == *$'\n'"$package install ok installed"$'\n'* ]] || missing+=("$package")
   done
   [ ${#missing[@]} -eq 0 ] && return
   local as_root=()
@@ -24,8 +25,7 @@ install_packages() {
          "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive \
            apt-get install -y --no-install-recommends "${missing[@]}"; } >"$log" 2>&1; then
     cat "$log" >&2
-    echo "could not install: ${missing[*]}" >&2
-    exit 1
+    fail "could not install: ${missing[*]}"
   fi
   rm -f "$log"
 }
@@ -37,7 +37,7 @@ quietly() {
   if ! "$@" >"$log" 2>&1; then
     cat "$log" >&2
     rm -f "$log"
-    exit 1
+    fail "this failed: $*"
   fi
   rm -f "$log"
 }

@@ -12,21 +12,21 @@ step() {
   echo "   $((SECONDS - start)) s"
 }
 
-# Adds the row of a finished run: its tests, those that failed, its seconds.
+# Adds the row of a finished run: its tests, those that failed, its seconds. A run of no test is none.
 note_result() {
   awk -v target="$1" '
     / tests failed out of / { failed = $4; tests = $NF }
     /^Total Test time/ { seconds = $(NF - 1) }
     END {
-      if (tests == "") exit 1
+      if (tests + 0 == 0) exit 1
       printf "%-34s %6d %6d %8.1f s\n", target, tests, failed, seconds
-    }' "$2" >>"$results/rows"
+    }' "$2" >>"$results/rows" || fail "ctest ran no test of $1"
 }
 
 # run_tests PRESET TARGET: a failure ends the script, with ctest's summary as its last words.
 run_tests() {
   echo "== test $1"
-  ctest --preset "$1" --progress | tee "$results/log"
+  ctest --preset "$1" --progress | tee "$results/log" || fail "tests of $2 fail, or ctest cannot run them"
   note_result "$2" "$results/log"
 }
 
@@ -35,7 +35,7 @@ run_tests_last() {
   echo "== test $1"
   if ! ctest --preset "$1" --progress >"$results/log"; then
     cat "$results/log"
-    exit 1
+    fail "tests of $2 fail, or ctest cannot run them"
   fi
   note_result "$2" "$results/log"
   printf '\n%-34s %6s %6s %10s\n' target tests failed time

@@ -38,12 +38,20 @@ constinit std::size_t open_device_count = 0;
 constinit std::uint32_t next_device = 0x48580001;
 
 // The place of the handle in the open ones.
-std::optional<std::size_t> find_device(const Lock& lock, const char* operation,
-                                       std::uint32_t device) {
+std::optional<std::size_t> place_of(std::uint32_t device) {
   const auto* const end = open_devices.begin() + open_device_count;
   const auto* const found = std::find(open_devices.cbegin(), end, device);
-  if (found != end) {
-    return static_cast<std::size_t>(found - open_devices.cbegin());
+  if (found == end) {
+    return std::nullopt;
+  }
+  return static_cast<std::size_t>(found - open_devices.cbegin());
+}
+
+// The same, of a handle that is to be open.
+std::optional<std::size_t> find_device(const Lock& lock, const char* operation,
+                                       std::uint32_t device) {
+  if (const auto place = place_of(device)) {
+    return place;
   }
   note_misuse(lock, "%s: device 0x%x is not open%s", operation, device,
               library_opens == 0 ? ", nor is the library" : "");
@@ -53,7 +61,7 @@ std::optional<std::size_t> find_device(const Lock& lock, const char* operation,
 std::uint32_t open_library(const Lock& lock, std::uint32_t flags) {
   library_flags = flags;
   if (made_to_fail(lock, HXL_SIM_FAIL_LIBRARY_OPEN)) {
-    return HXL_SIM_FAILED;
+    return settings(lock).failure_result;
   }
   ++library_opens;
   return succeeded;
@@ -83,6 +91,7 @@ std::uint32_t open_device(const Lock& lock) {
     note_misuse(lock, "hxl_device_open: too many devices are open: %zu", open_device_count);
     return no_device;
   }
+  while (next_device == no_device || place_of(next_device)) ++next_device;
   const std::uint32_t device = next_device++;
   open_devices[open_device_count++] = device;
   return device;
@@ -102,15 +111,16 @@ std::uint32_t get_info(const Lock& lock, std::uint32_t device, void* device_info
     note_misuse(lock, "hxl_device_getinfo: null record");
     return HXL_SIM_MISUSED;
   }
-  if (made_to_fail(lock, HXL_SIM_FAIL_GETINFO)) {
-    return HXL_SIM_FAILED;
+  const bool fails = made_to_fail(lock, HXL_SIM_FAIL_GETINFO);
+  if (fails && !settings(lock).failures_fill_records) {
+    return settings(lock).failure_result;
   }
   Record record;
   record.fill(HXL_SIM_FILL_BYTE);
   const std::uint32_t chip_id = settings(lock).chip_id;
   std::memcpy(record.data() + chip_id_offset, &chip_id, sizeof chip_id);
   std::memcpy(device_info, record.data(), record.size());
-  return succeeded;
+  return fails ? settings(lock).failure_result : succeeded;
 }
 
 // 0 for a null record.
@@ -151,13 +161,14 @@ std::uint32_t get_info_ext(const Lock& lock, std::uint32_t device, void* device_
       !check_ext_record(lock, device_info_ext)) {
     return HXL_SIM_MISUSED;
   }
-  if (made_to_fail(lock, HXL_SIM_FAIL_GETINFO_EXT)) {
-    return HXL_SIM_FAILED;
+  const bool fails = made_to_fail(lock, HXL_SIM_FAIL_GETINFO_EXT);
+  if (fails && !settings(lock).failures_fill_records) {
+    return settings(lock).failure_result;
   }
   const std::uint32_t secure_context = settings(lock).secure_context;
   std::memcpy(static_cast<unsigned char*>(device_info_ext) + secure_context_offset, &secure_context,
               sizeof secure_context);
-  return succeeded;
+  return fails ? settings(lock).failure_result : succeeded;
 }
 
 }  // namespace
@@ -207,6 +218,11 @@ std::uint32_t hxl_device_getinfo_ext(std::uint32_t device, void* device_info_ext
   const std::uint32_t result = simulator::get_info_ext(lock, device, device_info_ext);
   simulator::record_call(lock, HXL_SIM_DEVICE_GETINFO_EXT, {device, size}, result);
   return result;
+}
+
+void hxl_sim_set_next_device(std::uint32_t device) {
+  const simulator::Lock lock(simulator::state_mutex);
+  simulator::next_device = device;
 }
 
 std::size_t hxl_sim_open_libraries() {

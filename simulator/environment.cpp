@@ -18,11 +18,12 @@ struct FailureName {
   std::uint32_t failure;
 };
 
-constexpr std::array<FailureName, 4> failure_names{{
+constexpr std::array<FailureName, 5> failure_names{{
     {"library_open", HXL_SIM_FAIL_LIBRARY_OPEN},
     {"device_open", HXL_SIM_FAIL_DEVICE_OPEN},
     {"getinfo", HXL_SIM_FAIL_GETINFO},
     {"getinfo_ext", HXL_SIM_FAIL_GETINFO_EXT},
+    {"snprintf", HXL_SIM_FAIL_SNPRINTF},
 }};
 
 std::optional<std::uint32_t> parse_number(std::string_view text) {
@@ -99,9 +100,10 @@ Settings settings_of_environment() {
   Settings chosen;
   take_variable("HXL_SIM_CHIP", parse_number, number, chosen.chip_id);
   take_variable("HXL_SIM_SECURE_CONTEXT", parse_number, number, chosen.secure_context);
-  take_variable("HXL_SIM_FAIL", parse_failures,
-                "a comma separated list of library_open, device_open, getinfo, getinfo_ext",
-                chosen.failures);
+  take_variable(
+      "HXL_SIM_FAIL", parse_failures,
+      "a comma separated list of library_open, device_open, getinfo, getinfo_ext, snprintf",
+      chosen.failures);
   take_variable("HXL_SIM_LOG", parse_log, "stderr or none", chosen.print_messages);
   return chosen;
 }

@@ -8,7 +8,7 @@
  * OPERATIONS
  *   hxl_library_open         Counted: every success needs one hxl_library_close.
  *   hxl_device_open          Accepts every index and flag word. Handles are never 0 and are never
- *                            given out twice in a process.
+ *                            given out twice in a process, unless hxl_sim_set_next_device says so.
  *   hxl_device_getinfo       Stores the chip id (32 bits) at byte 4 of the 32-byte record and sets
  *                            all other bytes to HXL_SIM_FILL_BYTE.
  *   hxl_device_getinfo_ext   Requires HXL_SIM_EXT_RECORD_SIZE (32 bits) at byte 0x88 of the
@@ -20,7 +20,8 @@
  *   os_snprintf, os_memset   As the C library's snprintf and memset.
  *
  *   A failing operation returns HXL_SIM_FAILED or HXL_SIM_MISUSED (hxl_device_open: 0;
- *   os_snprintf: -1; os_memset: its destination) and leaves the caller's record untouched.
+ *   os_snprintf: -1; os_memset: its destination) and leaves the caller's record or text untouched.
+ *   hxl_sim_set_failure_result and hxl_sim_set_failures_fill_records choose otherwise.
  *
  * ENVIRONMENT
  *   Read when the library is loaded and by hxl_sim_reset. An empty value counts as unset. A
@@ -28,7 +29,7 @@
  *   HXL_SIM_CHIP             Chip id, decimal or 0x and hexadecimal; HXL_SIM_DEFAULT_CHIP.
  *   HXL_SIM_SECURE_CONTEXT   Secure-context word, written likewise; 0.
  *   HXL_SIM_FAIL             Operations that fail, separated by commas without spaces:
- *                            library_open, device_open, getinfo, getinfo_ext; none.
+ *                            library_open, device_open, getinfo, getinfo_ext, snprintf; none.
  *   HXL_SIM_LOG              Where os_alog prints: stderr or none; stderr.
  *
  * THREADS
@@ -60,7 +61,7 @@ extern "C" {
 #define HXL_SIM_EXT_RECORD_SIZE 0x118u
 
 /* Results of the operations that return 0 on success. */
-#define HXL_SIM_FAILED 1u  /* made to fail: hxl_sim_set_failures, HXL_SIM_FAIL */
+#define HXL_SIM_FAILED 1u  /* made to fail: hxl_sim_set_failures, HXL_SIM_FAIL; the default */
 #define HXL_SIM_MISUSED 2u /* called wrongly: see hxl_sim_misuse */
 
 /*
@@ -72,18 +73,37 @@ HXL_SIM_API void hxl_sim_reset(void);
 HXL_SIM_API void hxl_sim_set_chip(uint32_t chip_id);
 HXL_SIM_API void hxl_sim_set_secure_context(uint32_t word);
 
+/*
+ * The handle that the next hxl_device_open gives out, other than 0; later ones count on from there,
+ * past 0 and past those that are open. hxl_sim_reset leaves the count alone.
+ */
+HXL_SIM_API void hxl_sim_set_next_device(uint32_t device);
+
 /* ---- Failures ---------------------------------------------------------------------------- */
 
 #define HXL_SIM_FAIL_LIBRARY_OPEN 0x1u
 #define HXL_SIM_FAIL_DEVICE_OPEN 0x2u
 #define HXL_SIM_FAIL_GETINFO 0x4u
 #define HXL_SIM_FAIL_GETINFO_EXT 0x8u
+#define HXL_SIM_FAIL_SNPRINTF 0x10u
 
 /*
  * Makes exactly the operations of the mask fail until the next change; 0: none. Misuse is found
  * before a failure is played.
  */
 HXL_SIM_API void hxl_sim_set_failures(uint32_t mask);
+
+/*
+ * What operations return that are made to fail, other than 0; hxl_device_open returns 0 all the
+ * same, and os_snprintf -1 unless the number is negative as a signed one.
+ */
+HXL_SIM_API void hxl_sim_set_failure_result(uint32_t result);
+
+/*
+ * on != 0: device queries that are made to fail fill the record as if they succeeded. What it holds
+ * then means nothing, however likely it looks.
+ */
+HXL_SIM_API void hxl_sim_set_failures_fill_records(int on);
 
 /* ---- What is open ------------------------------------------------------------------------ */
 

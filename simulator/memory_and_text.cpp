@@ -10,6 +10,7 @@
 #include "lock.h"
 #include "misuse.h"
 #include "services.h"
+#include "settings.h"
 
 namespace simulator {
 namespace {
@@ -17,6 +18,12 @@ namespace {
 void note_null(const char* operation, const char* argument) {
   const Lock lock(state_mutex);
   note_misuse(lock, "%s: null %s", operation, argument);
+}
+
+std::int32_t failure_of_printing() {
+  const Lock lock(state_mutex);
+  const auto result = static_cast<std::int32_t>(settings(lock).failure_result);
+  return result < 0 ? result : -1;
 }
 
 }  // namespace
@@ -28,6 +35,8 @@ std::int32_t os_snprintf(char* text, std::size_t text_size, const char* format, 
     simulator::note_null("os_snprintf", "format");
   } else if (text == nullptr && text_size != 0) {
     simulator::note_null("os_snprintf", "text");
+  } else if (simulator::printing_is_made_to_fail()) {
+    length = simulator::failure_of_printing();
   } else {
     std::va_list arguments;
     va_start(arguments, format);

@@ -11,7 +11,7 @@
 void hxl_sim_reset() {
   const simulator::Settings chosen = simulator::settings_of_environment();
   const simulator::Lock lock(simulator::state_mutex);
-  simulator::settings(lock) = chosen;
+  simulator::choose_settings(lock, chosen);
   simulator::set_recording(lock, true);
   simulator::clear_calls(lock);
   simulator::clear_messages(lock);

@@ -35,12 +35,33 @@ def counted_branches(functions):
     return branches
 
 
+def read_functions(arguments):
+    """The functions of an export of llvm-cov, which is the one argument."""
+    if len(arguments) != 1:
+        sys.exit("usage: branch_table.py COVERAGE.json")
+    try:
+        return json.loads(Path(arguments[0]).read_text())["data"][0]["functions"]
+    except (OSError, ValueError, KeyError, IndexError) as error:
+        sys.exit(f"{arguments[0]} is no export of llvm-cov: {error!r}")
+
+
+def missing_exports(functions):
+    """Exports of the library that nothing is known of: another program's coverage, or a part."""
+    lines = (ROOT / "src/exports.txt").read_text().splitlines()
+    exports = {line.strip() for line in lines if line.strip() and not line.startswith("#")}
+    if not exports:
+        sys.exit("src/exports.txt names no export")
+    return sorted(exports - {function["name"] for function in functions})
+
+
 def main():
-    functions = json.loads(Path(sys.argv[1]).read_text())["data"][0]["functions"]
+    functions = read_functions(sys.argv[1:])
     branches = counted_branches(functions)
     files = {f for function in functions for f in map(library_file, function["filenames"]) if f}
     if not branches:
         sys.exit("no branch of the library was counted")
+    if missing := missing_exports(functions):
+        sys.exit(f"nothing was counted in {', '.join(missing)}")
     total = taken_in_all = 0
     print(f"{'file':62} {'branches':>8} {'taken':>6}")
     for file in sorted(files):

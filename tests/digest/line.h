@@ -54,6 +54,9 @@ inline constexpr uint64_t kFault = UINT64_C(0xDEAD000000000000);
 
 using Lines = std::vector<Line>;
 
+// The whole digest as it is now.
+std::vector<std::string> computed_lines();
+
 // Of each group of exports.
 void add_alignment_lines(Lines& lines);
 void add_capability_lines(Lines& lines);

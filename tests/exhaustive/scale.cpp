@@ -1,5 +1,6 @@
 #include "tests/exhaustive/scale.h"
 
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <set>
@@ -11,7 +12,10 @@ namespace exhaustive {
 
 bool is_full() {
   const char* text = std::getenv("KORVEL_EXHAUSTIVE");
-  return text != nullptr && std::strcmp(text, "full") == 0;
+  if (text == nullptr) return false;
+  if (std::strcmp(text, "full") == 0) return true;
+  std::fprintf(stderr, "KORVEL_EXHAUSTIVE is '%s'; unset it or make it 'full'\n", text);
+  std::exit(2);
 }
 
 uint32_t format_stride() {

@@ -8,7 +8,8 @@ namespace exhaustive {
 
 // Of the formats, one in this many is compared: every one, unless a sanitizer, the coverage or an
 // emulator makes each call slow. KORVEL_EXHAUSTIVE=full in the environment compares every one there
-// too, and takes sizes and sample counts together that the usual form takes one after the other.
+// too, and takes sizes and sample counts together that the usual form takes one after the other. Any
+// other value ends the test program.
 uint32_t format_stride();
 bool is_full();
 

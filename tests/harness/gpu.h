@@ -41,7 +41,8 @@ class Gpu {
   const Library* operator->() const { return &library_; }
   const Library& library() const { return library_; }
 
-  // What happened since the last call of this function.
+  // What happened since the last call of this function. Expects of each message what all have in
+  // common: level, tag, and the source line of the statement that sends it.
   std::vector<Message> take_messages();
 
   // Calls of hxl_ operations since the last call of this function, as "hxl_device_open(1, 0)";

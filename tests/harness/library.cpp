@@ -55,7 +55,11 @@ Library load_image() {
 
 const char* library_path() {
   const char* chosen = std::getenv("KORVEL_UTILS_LIBRARY");
-  return chosen != nullptr ? chosen : KORVEL_UTILS_BUILT_LIBRARY;
+  if (chosen == nullptr) return KORVEL_UTILS_BUILT_LIBRARY;
+  if (*chosen != '\0') return chosen;
+  // To the loader, no name is the program itself.
+  std::fprintf(stderr, "KORVEL_UTILS_LIBRARY is empty; unset it or name a library\n");
+  std::exit(2);
 }
 
 Library load_library() {

@@ -1,6 +1,9 @@
 // Chips that lack a property: what its default does to a layout.
 #include <gmock/gmock.h>
 
+#include <algorithm>
+#include <iterator>
+
 #include "tests/layout/chosen_chips.h"
 #include "tests/layout/expected_layouts.h"
 
@@ -110,6 +113,34 @@ TEST(ChipColumns, WithoutAnAuxAlignmentTheShortestRowsArePaddedToo) {
     EXPECT_NUMBER(plane.image_width, row.width_el);
     EXPECT_NUMBER(plane.image_pitch, row.width_el * 16);  // 2 bytes x 8 samples
   }
+}
+
+// The chips that round the flag buffers of a chain to nothing, apart from the rows that say so: this
+// list is no copy that is made of them.
+constexpr uint32_t kOutsideLevelSizeAlignment[] = {0x06090001, 0x07200010, 0x43010010, 0x430B0000,
+                                                   0x44010020, 0x50030010, 0x50060000};
+
+// Three levels of 128 x 64 elements and less, with flags for tiles of 16 x 4: 8 x 16 bytes, 4 x 8,
+// 2 x 4, each side raised to 64. In all 168 bytes, or three times 4096; both to pages.
+TEST(ChipColumns, ALevelSizeAlignmentRoundsTheFlagBuffersOfAChain) {
+  std::size_t chips_outside = 0;
+  for (const harness::ChipData& chip : korvel::kChipData) {
+    if (chip.ubwc.never) continue;
+    SCOPED_TRACE(chip.chip_id);
+    const harness::Gpu gpu(chip.chip_id);
+    MemoryLayout record{};
+    record.levels = 3;
+    init_multi_level(gpu, record, {.flags = kUbwc});
+    const bool outside =
+        std::find(std::begin(kOutsideLevelSizeAlignment), std::end(kOutsideLevelSizeAlignment),
+                  chip.chip_id) != std::end(kOutsideLevelSizeAlignment);
+    chips_outside += outside ? 1 : 0;
+    const uint32_t rounded_bytes = chip.columns.min_level_extent ? 3 * 4096 : 4096;
+    for (uint32_t level = 0; level < 3; ++level) {
+      EXPECT_NUMBER(record.level[level].plane[0].flag_slice_pitch, outside ? 0 : rounded_bytes);
+    }
+  }
+  EXPECT_EQ(chips_outside, std::size(kOutsideLevelSizeAlignment));
 }
 
 TEST(ChipColumns, OthersHaveNoEffectOnOneLevel) {

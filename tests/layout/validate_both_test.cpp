@@ -720,28 +720,6 @@ TYPED_TEST(Validators, EveryWordThatNoCheckReadsMayHoldAnything) {
   EXPECT_NUMBER(compared, kHeadWords + 2 * 20 + 5 * 18);
 }
 
-TYPED_TEST(Validators, RecordsOfAnyAlignment) {
-  USE_KIND;
-  harness::Gpu gpu(harness::kUnknownChip);
-  R record = valid<Kind>();
-  for (const bool good : {true, false}) {
-    if (!good) record.level[1].plane[1].flag_pitch = 0;
-    for (std::size_t start = 0; start < 8; ++start) {
-      // The UUIDs are bytes, misaligned too.
-      alignas(8) unsigned char space[sizeof(R) + 48];
-      std::memcpy(space + start, &record, sizeof record);
-      std::memcpy(space + start + sizeof record, kUuids.device, 16);
-      std::memcpy(space + start + sizeof record + 16, kUuids.driver, 16);
-      const unsigned char* uuids = space + start + sizeof record;
-      EXPECT_NUMBER(Kind::entry(gpu)(space + start, uuids, uuids + 16),
-                    good ? KORVEL_SUCCESS : KORVEL_FAILURE)
-          << start;
-      EXPECT_NUMBER(gpu.take_messages().size(), good ? 0 : 1);
-      EXPECT_EQ(std::memcmp(space + start, &record, sizeof record), 0);
-    }
-  }
-}
-
 TYPED_TEST(Validators, EveryByteOfTheDeviceCounts) {
   USE_KIND;
   harness::Gpu gpu(harness::kUnknownChip);

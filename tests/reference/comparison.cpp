@@ -6,7 +6,11 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <charconv>
+#include <cstdio>
 #include <cstdlib>
+#include <cstring>
+#include <system_error>
 
 #include "tests/harness/chips.h"
 #include "tests/harness/faults.h"
@@ -159,8 +163,19 @@ uint64_t Arguments::any() {
 }
 
 uint32_t factor() {
+  // Times the cases of any comparison, it stays within 32 bits.
+  constexpr uint32_t kMost = 100'000;
   const char* text = std::getenv("KORVEL_COMPARE_FACTOR");
-  return text != nullptr ? static_cast<uint32_t>(std::strtoul(text, nullptr, 10)) : 1;
+  if (text == nullptr) return 1;
+  uint32_t factor = 0;
+  const char* end = text + std::strlen(text);
+  const std::from_chars_result parsed = std::from_chars(text, end, factor);
+  if (parsed.ec == std::errc() && parsed.ptr == end && factor >= 1 && factor <= kMost) {
+    return factor;
+  }
+  std::fprintf(stderr, "KORVEL_COMPARE_FACTOR is '%s'; unset it or give a number from 1 to %u\n",
+               text, kMost);
+  std::exit(2);
 }
 
 }  // namespace comparison
