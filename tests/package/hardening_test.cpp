@@ -4,9 +4,11 @@
 
 #include <elf.h>
 #include <gmock/gmock.h>
+#include <sys/auxv.h>
 
 #include <algorithm>
 #include <array>
+#include <csignal>
 #include <cstring>
 #include <fstream>
 #include <iterator>
@@ -212,6 +214,19 @@ TEST_F(DeliveredLibrary, HasALandingPadWhereItIsCalled) {
     const uint32_t first = word_of(library().bytes_at(function.address, sizeof(uint32_t)), 0);
     EXPECT_THAT(first, AnyOf(kLandingPad, kSignReturnAddress)) << function.name;
   }
+}
+
+// The loader has asked for it because of the note, and the processor, or its emulator, does it.
+TEST_F(DeliveredLibrary, IsLeftByASignalWhenABranchArrivesBehindALandingPad) {
+  if ((getauxval(AT_HWCAP2) & HWCAP2_BTI) == 0) GTEST_SKIP() << "not with this processor";
+  harness::Library library = harness::load_library();
+  const auto size = library.korvel_get_metadata_blob_size;
+  EXPECT_EQ(size(), sizeof(LayoutMetadata));
+  const uintptr_t behind = reinterpret_cast<uintptr_t>(size) + sizeof(uint32_t);
+  const auto size_from_behind =
+      reinterpret_cast<decltype(library.korvel_get_metadata_blob_size)>(behind);
+  EXPECT_EXIT(size_from_behind(), testing::KilledBySignal(SIGILL), "");
+  harness::unload_library(library);
 }
 
 std::vector<uint32_t> instructions(const std::string& code) {
