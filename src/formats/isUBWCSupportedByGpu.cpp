@@ -9,7 +9,7 @@ namespace korvel {
 namespace {
 
 // Out of line, so that all other calls need no stack frame, in which a return address would be signed:
-// 16 instructions in the place of 21 on Windows for 64-bit Arm.
+// 16 instructions in the place of 19 on Windows for 64-bit Arm, 21 in the place of 26 on Linux.
 [[gnu::cold, gnu::noinline]] uint32_t answer_first_call(FormatId format) {
   return ubwc_supported(identified_chip(), format) ? 1 : 0;
 }
