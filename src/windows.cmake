@@ -25,6 +25,10 @@ target_compile_options(korvel_utils PRIVATE
   # A frame of more than a page would call the C run-time library's stack probe.
   -Wframe-larger-than=4096)
 
+# An array that is not of bytes: the sizes of a chain's levels.
+set_source_files_properties(layout/korvel_init_multi_level_surface.cpp PROPERTIES
+  COMPILE_OPTIONS -fstack-protector-strong)
+
 if(CMAKE_SYSTEM_PROCESSOR STREQUAL aarch64)
   # Landing pads for indirect branches, and return addresses signed with the key that this system uses (B), which its
   # unwind data knows.

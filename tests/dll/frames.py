@@ -1,18 +1,15 @@
 #!/usr/bin/env python3
-"""Which functions of a DLL keep an array of bytes in their frame, and are they guarded?
+"""Which functions of a DLL keep an array in their frame, and are they guarded?
 
 tests/dll/frames.py PDB DLL
 
-Prints the names of the functions whose frame holds an array of 8 bytes or more, the compiler's own measure, one a line
-and sorted; what frames hold is read from the PDB, what the code does from the DLL. Fails when one of them does not both
-read the guard word and have a call of the routine that ends the process.
+Prints the names of the functions whose frame holds an array, one a line and sorted; what frames hold is read from the
+PDB, what the code does from the DLL. Fails when one of them does not both read the guard word and have a call of the
+routine that ends the process.
 """
 import re
 import subprocess
 import sys
-
-BYTE_TYPES = {0x0010, 0x0020, 0x0068, 0x0069, 0x0070, 0x007C}  # char, signed, unsigned, int8, char8_t
-LEAST_BYTES = 8
 
 
 def run(*command):
@@ -39,36 +36,30 @@ def reference(text, what):
     return int(found[1], 16) if found else None
 
 
-def holds_bytes(types, number):
-    """Whether an object of the type has an array of bytes in it."""
+def holds_array(types, number):
+    """Whether an object of the type has an array in it."""
     if number is None or number not in types:
         return False
     kind, text = types[number]
     if kind == "LF_MODIFIER":
-        return holds_bytes(types, reference(text, "referent"))
+        return holds_array(types, reference(text, "referent"))
     if kind == "LF_ARRAY":
-        element = reference(text, "element type")
-        of_modifier = types.get(element, ["", ""])
-        if of_modifier[0] == "LF_MODIFIER":
-            element = reference(of_modifier[1], "referent")
-        if element in BYTE_TYPES:
-            return int(re.search(r"size: (\d+)", text)[1]) >= LEAST_BYTES
-        return holds_bytes(types, element)
+        return True
     if kind in ("LF_STRUCTURE", "LF_CLASS", "LF_UNION"):
         whole = reference(text, r"forward ref \(->")
         if whole is not None:
-            return holds_bytes(types, whole)
+            return holds_array(types, whole)
         fields = types.get(reference(text, "field list"))
         if fields is None:
             return False
         members = re.findall(r"LF_MEMBER \[name = `[^`]*`, Type = (0x[0-9A-F]+)", fields[1])
         members += re.findall(r"LF_BCLASS\s+type = (0x[0-9A-F]+)", fields[1])
-        return any(holds_bytes(types, int(member, 16)) for member in members)
+        return any(holds_array(types, int(member, 16)) for member in members)
     return False
 
 
 def functions_of(pdb, types):
-    """Name, offset in .text and size of every function, and whether its frame holds an array of bytes."""
+    """Name, offset in .text and size of every function, and whether its frame holds an array."""
     functions = []
     local_type = None
     for line in run("llvm-pdbutil-19", "dump", "--symbols", pdb).splitlines():
@@ -76,16 +67,16 @@ def functions_of(pdb, types):
         if record:
             kind = record[1]
             if kind in ("S_GPROC32", "S_LPROC32"):
-                functions.append({"name": record[2], "bytes": False})
+                functions.append({"name": record[2], "array": False})
             elif kind == "S_LOCAL":
                 local_type = None
             # Where the variable of the last S_LOCAL is.
             elif kind == "S_DEFRANGE_FRAMEPOINTER_REL":
-                functions[-1]["bytes"] |= holds_bytes(types, local_type)
+                functions[-1]["array"] |= holds_array(types, local_type)
             continue
         # An offset from another register is in somebody else's frame: a result that the caller has room for.
         if re.search(r"register = (ARM64_SP|ARM64_FP|RSP|RBP), offset", line):
-            functions[-1]["bytes"] |= holds_bytes(types, local_type)
+            functions[-1]["array"] |= holds_array(types, local_type)
         where = re.search(r"addr = 0001:(\d+), code size = (\d+)", line)
         if where and "offset" not in functions[-1]:
             functions[-1].update(offset=int(where[1]), size=int(where[2]))
@@ -143,14 +134,14 @@ def main():
     # Compilers read the guard through a word that holds its address.
     pointers = {guard, public_address(pdb, ".refptr.__stack_chk_guard", bases)}
     code = code_of(dll)
-    with_bytes = [function for function in functions_of(pdb, types_of(pdb)) if function["bytes"]]
-    for function in with_bytes:
+    with_array = [function for function in functions_of(pdb, types_of(pdb)) if function["array"]]
+    for function in with_array:
         start = bases[0] + function["offset"]
         own = [(at, text) for at, text in code if start <= at < start + function["size"]]
         calls_fail = any(re.match(rf"(bl|callq)\s+0x{fail:x}\b", text) for _, text in own)
         if not calls_fail or not reads_word_at(own, pointers):
-            sys.exit(f"{function['name']} holds an array of bytes in its frame, which nothing guards")
-    print("\n".join(sorted(function["name"] for function in with_bytes)))
+            sys.exit(f"{function['name']} holds an array in its frame, which nothing guards")
+    print("\n".join(sorted(function["name"] for function in with_array)))
 
 
 main()

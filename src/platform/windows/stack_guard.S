@@ -1,7 +1,7 @@
 // What the compiler's stack protector needs, which a C run-time library would bring.
 //
-// A function whose frame holds an array of bytes keeps a copy of the guard word behind the array and
-// compares the two before it returns: what wrote beyond the array has changed the copy.
+// A function whose frame holds an array keeps a copy of the guard word behind the array and compares
+// the two before it returns: what wrote beyond the array has changed the copy.
 
   // The load configuration record tells the system of this word. The loader knows this value, which
   // all compilers for Windows preset, and puts a random one in its place before any code can run.
