@@ -16,6 +16,14 @@ else()
     OUTPUT_NAME korvel_utils
     LINKER_LANGUAGE C)
   install(TARGETS korvel_utils_static)
+  if(CMAKE_BUILD_TYPE STREQUAL Release)
+    # Its symbols are what programs are linked by; line numbers are not.
+    add_custom_command(
+      TARGET korvel_utils_static POST_BUILD
+      COMMAND ${CMAKE_OBJCOPY} --strip-debug $<TARGET_FILE:korvel_utils_static>
+      VERBATIM)
+    install(FILES $<TARGET_FILE:korvel_utils>.debug DESTINATION ${CMAKE_INSTALL_LIBDIR})
+  endif()
 
   set(library_file ${CMAKE_INSTALL_LIBDIR}/libkorvel_utils.so)
   set(import_library_file "")

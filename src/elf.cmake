@@ -1,4 +1,4 @@
-# How korvel_utils is linked on ELF systems.
+# How korvel_utils is compiled and linked on ELF systems.
 
 set(version_script ${PROJECT_BINARY_DIR}/exports/korvel_utils.map)
 
@@ -15,3 +15,11 @@ if(NOT KORVEL_SANITIZE)
     -Wl,--as-needed)
 endif()
 target_link_libraries(korvel_utils PRIVATE hxluser)
+
+# Sanitizers and the counters of branches bring objects of their own, which are not made for this.
+if(NOT KORVEL_SANITIZE AND NOT KORVEL_COVERAGE)
+  include(${CMAKE_CURRENT_LIST_DIR}/elf_hardening.cmake)
+endif()
+if(CMAKE_BUILD_TYPE STREQUAL Release)
+  include(${CMAKE_CURRENT_LIST_DIR}/elf_debug_symbols.cmake)
+endif()

@@ -4,7 +4,9 @@ enable_language(ASM)
 add_subdirectory(platform/windows)
 add_dependencies(korvel_utils windows_link_inputs)
 
-target_sources(korvel_utils PRIVATE platform/windows/load_configuration.S)
+target_sources(korvel_utils PRIVATE
+  platform/windows/load_configuration.S
+  platform/windows/stack_guard.S)
 
 target_compile_options(korvel_utils PRIVATE
   -g
@@ -16,8 +18,25 @@ target_compile_options(korvel_utils PRIVATE
   # Unwind data for every function: a fault inside the library must be traceable.
   -fasynchronous-unwind-tables
   $<$<COMPILE_LANGUAGE:CXX>:-mguard=cf>
+  # Frames that hold an array of bytes, the ones that others fill by its address: the services their records, the text
+  # of a UUID. -fstack-protector-strong would add every frame whose address is handed on, records of numbers too, and
+  # the layouts' instructions with them.
+  $<$<COMPILE_LANGUAGE:CXX>:-fstack-protector>
   # A frame of more than a page would call the C run-time library's stack probe.
   -Wframe-larger-than=4096)
+
+# An array that is not of bytes: the sizes of a chain's levels.
+set_source_files_properties(layout/korvel_init_multi_level_surface.cpp PROPERTIES
+  COMPILE_OPTIONS -fstack-protector-strong)
+
+if(CMAKE_SYSTEM_PROCESSOR STREQUAL aarch64)
+  # Landing pads for indirect branches, and return addresses signed with the key that this system uses (B), which its
+  # unwind data knows.
+  target_compile_options(korvel_utils PRIVATE $<$<COMPILE_LANGUAGE:CXX>:-mbranch-protection=bti+pac-ret+b-key>)
+else()
+  # Return addresses may be kept on a shadow stack: no code here changes one.
+  target_link_options(korvel_utils PRIVATE /cetcompat)
+endif()
 
 set(link_inputs
   ${PROJECT_BINARY_DIR}/lib/korvel_utils.def
@@ -46,8 +65,7 @@ target_link_options(korvel_utils PRIVATE
   /nodefaultlib
   lib/libhxluser.lib
   version.res
-  # Images for 6.03 and later that take part in the guard are expected to bring a security cookie, which is
-  # writable and which nothing here would use.
+  # The first version for 64-bit Arm.
   /subsystem:windows,6.02
   /dynamicbase
   /highentropyva

@@ -57,7 +57,9 @@ std::size_t identify_gpu() {
   const std::size_t row = find_row(chip_id);
   if (row == kRowUnknownChip) {
     // Family, model and revision are three questions to whoever reads the log.
-    for (const char* step : {"korvel_get_family_id", "korvel_get_chip_id", "korvel_get_rev_id"}) {
+    constexpr static const char* kSteps[] = {"korvel_get_family_id", "korvel_get_chip_id",
+                                             "korvel_get_rev_id"};
+    for (const char* step : kSteps) {
       KORVEL_LOG(step, "Unknown HXL chip ID %u", chip_id);
     }
     if (chip_id == kChipIdNotIdentified) return kRowNotIdentified;

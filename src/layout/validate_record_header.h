@@ -40,13 +40,15 @@ struct UuidTexts {
 };
 
 [[gnu::cold]] inline UuidTexts uuid_texts(ReadUuid stored, ReadUuid callers) {
-  uint8_t bytes[2][KORVEL_UUID_BYTES];
-  std::memcpy(bytes[0], &stored, sizeof stored);
-  std::memcpy(bytes[1], &callers, sizeof callers);
+  // Two arrays: the stack protector of the DLLs does not see an array of arrays of bytes.
+  uint8_t stored_bytes[KORVEL_UUID_BYTES];
+  uint8_t callers_bytes[KORVEL_UUID_BYTES];
+  std::memcpy(stored_bytes, &stored, sizeof stored);
+  std::memcpy(callers_bytes, &callers, sizeof callers);
   UuidTexts texts;
   texts.stored[0] = texts.callers[0] = '\0';
-  print_uuid(texts.stored, sizeof texts.stored, bytes[0]);
-  print_uuid(texts.callers, sizeof texts.callers, bytes[1]);
+  print_uuid(texts.stored, sizeof texts.stored, stored_bytes);
+  print_uuid(texts.callers, sizeof texts.callers, callers_bytes);
   return texts;
 }
 

@@ -1,6 +1,7 @@
 #include "tests/harness/image.h"
 
 #include <strings.h>
+#include <sys/auxv.h>
 #include <sys/mman.h>
 
 #include <algorithm>
@@ -35,7 +36,13 @@ int page_access(uint32_t characteristics) {
   int access = PROT_NONE;
   if ((characteristics & kSectionReadable) != 0) access |= PROT_READ;
   if ((characteristics & kSectionWritable) != 0) access |= PROT_WRITE;
-  if ((characteristics & kSectionExecutable) != 0) access |= PROT_EXEC;
+  if ((characteristics & kSectionExecutable) != 0) {
+    access |= PROT_EXEC;
+#if defined(__aarch64__)
+    // Where the processor can, it lets calls arrive at landing pads alone.
+    if ((getauxval(AT_HWCAP2) & HWCAP2_BTI) != 0) access |= PROT_BTI;
+#endif
+  }
   return access;
 }
 

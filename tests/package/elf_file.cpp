@@ -80,7 +80,8 @@ std::vector<ElfSection> ElfFile::sections() const {
   std::vector<ElfSection> sections;
   for (const auto& section : headers) {
     sections.push_back({text_at(headers[header.e_shstrndx].sh_offset + section.sh_name),
-                        section.sh_size, (section.sh_flags & SHF_WRITE) != 0,
+                        section.sh_addr, section.sh_size, (section.sh_flags & SHF_ALLOC) != 0,
+                        (section.sh_flags & SHF_WRITE) != 0,
                         (section.sh_flags & SHF_EXECINSTR) != 0});
   }
   return sections;
@@ -90,19 +91,28 @@ std::vector<ElfSymbol> ElfFile::dynamic_symbols() const {
   std::vector<ElfSymbol> symbols;
   for (const auto& symbol : records_of_type<Elf64_Sym>(SHT_DYNSYM)) {
     if (symbol.st_name == 0) continue;
-    symbols.push_back({dynamic_text(symbol.st_name), symbol.st_shndx != SHN_UNDEF,
-                       ELF64_ST_TYPE(symbol.st_info) == STT_FUNC,
+    symbols.push_back({dynamic_text(symbol.st_name), symbol.st_value, symbol.st_size,
+                       symbol.st_shndx != SHN_UNDEF, ELF64_ST_TYPE(symbol.st_info) == STT_FUNC,
                        ELF64_ST_BIND(symbol.st_info) == STB_WEAK});
   }
   return symbols;
 }
 
-std::vector<std::string> ElfFile::relocation_symbols() const {
+std::vector<ElfRelocation> ElfFile::relocations() const {
   const auto symbols = records_of_type<Elf64_Sym>(SHT_DYNSYM);
-  std::vector<std::string> names;
+  std::vector<ElfRelocation> relocations;
   for (const auto& relocation : records_of_type<Elf64_Rela>(SHT_RELA)) {
     const uint64_t index = ELF64_R_SYM(relocation.r_info);
-    if (index != 0) names.push_back(dynamic_text(symbols.at(index).st_name));
+    relocations.push_back(
+        {relocation.r_offset, index != 0 ? dynamic_text(symbols.at(index).st_name) : ""});
+  }
+  return relocations;
+}
+
+std::vector<std::string> ElfFile::relocation_symbols() const {
+  std::vector<std::string> names;
+  for (const ElfRelocation& relocation : relocations()) {
+    if (!relocation.symbol.empty()) names.push_back(relocation.symbol);
   }
   return names;
 }
@@ -120,6 +130,48 @@ bool ElfFile::has_dynamic_entry(int64_t tag) const {
     if (entry.d_tag == tag) return true;
   }
   return false;
+}
+
+uint64_t ElfFile::dynamic_number(int64_t tag) const {
+  for (const auto& entry : records_of_type<Elf64_Dyn>(SHT_DYNAMIC)) {
+    if (entry.d_tag == tag) return entry.d_un.d_val;
+  }
+  return 0;
+}
+
+std::string ElfFile::section_bytes(const std::string& name) const {
+  const auto header = record_in<Elf64_Ehdr>(bytes_, 0);
+  const auto headers =
+      records_at<Elf64_Shdr>(header.e_shoff, uint64_t{header.e_shnum} * sizeof(Elf64_Shdr));
+  for (const auto& section : headers) {
+    if (text_at(headers[header.e_shstrndx].sh_offset + section.sh_name) != name) continue;
+    if (section.sh_type == SHT_NOBITS) return {};
+    if (section.sh_offset > bytes_.size()) give_up("what was loaded");
+    return bytes_.substr(section.sh_offset, section.sh_size);
+  }
+  return {};
+}
+
+std::vector<ElfSegment> ElfFile::segments() const {
+  const auto header = record_in<Elf64_Ehdr>(bytes_, 0);
+  std::vector<ElfSegment> segments;
+  for (const auto& segment :
+       records_at<Elf64_Phdr>(header.e_phoff, uint64_t{header.e_phnum} * sizeof(Elf64_Phdr))) {
+    segments.push_back({segment.p_type, segment.p_flags, segment.p_vaddr, segment.p_memsz});
+  }
+  return segments;
+}
+
+std::string ElfFile::bytes_at(uint64_t address, uint64_t size) const {
+  const auto header = record_in<Elf64_Ehdr>(bytes_, 0);
+  for (const auto& segment :
+       records_at<Elf64_Phdr>(header.e_phoff, uint64_t{header.e_phnum} * sizeof(Elf64_Phdr))) {
+    if (segment.p_type != PT_LOAD || address < segment.p_vaddr) continue;
+    const uint64_t in_segment = address - segment.p_vaddr;
+    if (in_segment > segment.p_filesz || segment.p_filesz - in_segment < size) continue;
+    return bytes_.substr(segment.p_offset + in_segment, size);
+  }
+  give_up("what was loaded");
 }
 
 uint32_t ElfFile::segment_flags(uint32_t type) const {

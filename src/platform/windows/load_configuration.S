@@ -1,16 +1,27 @@
-// The record by which the system learns that the DLL keeps to control-flow guard, and where its
-// table of valid call targets is. A C run-time library would bring it; there is none.
+// The record by which the system learns where to look for the services library, where the word of the
+// stack guard is, that the DLL keeps to control-flow guard, and where its table of valid call targets
+// is. A C run-time library would bring it; there is none.
 //
 // The library calls nothing through a pointer but its imports, which the guard leaves alone. The
 // check routines stand here all the same, so that a checked call, should one come, has somewhere
 // to go: the loader points both words at the system's own routines where the guard is on.
+
+  // Where the system looks for what the DLL imports, as LoadLibraryEx's flags say it: the folder that
+  // the DLL itself lies in (0x100), where drivers install the services library beside it, then the
+  // system's own folder (0x800). Not the program's folder, not the current one, not PATH: whoever can
+  // write there could put a libhxluser.dll of his own into the process. docs/security.md has more.
+  .set kDependentLoadFlags, 0x100 | 0x800
 
   .section .rdata, "dr"
   .balign 8
   .globl _load_config_used
 _load_config_used:
   .long load_config_end - _load_config_used  // 0x00 Size
-  .zero 0x70 - 0x04                          // time stamp, versions, heap, process, dependencies, ...
+  .zero 0x4E - 0x04                          // time stamp, versions, heap, process, ...
+  .short kDependentLoadFlags                 // 0x4E DependentLoadFlags
+  .quad 0                                    // 0x50 EditList
+  .quad __stack_chk_guard                    // 0x58 SecurityCookie
+  .zero 0x70 - 0x60                          // handlers of the 32-bit kind
   .quad __guard_check_icall_fptr             // 0x70 GuardCFCheckFunctionPointer
 #if defined(__x86_64__)
   .quad __guard_dispatch_icall_fptr          // 0x78 GuardCFDispatchFunctionPointer
@@ -39,6 +50,9 @@ __guard_dispatch_icall_fptr:
   // The target is in x15 on Arm, in rcx on x86-64; the call itself follows.
   .balign 16
 let_call_pass:
+#if defined(__aarch64__)
+  hint #34  // bti c
+#endif
   ret
 
 #if defined(__x86_64__)
