@@ -12,7 +12,7 @@ from itertools import zip_longest
 from pathlib import Path
 
 from changes import changes_of
-from equivalents import Equivalents
+from equivalents import Equivalents, NotAnEntry
 from library_build import LibraryBuild, Refused
 from lookups_program import LookupsProgram
 from test_programs import TestPrograms
@@ -21,7 +21,7 @@ ROOT = Path(__file__).resolve().parents[2]
 # Assertions and declarations: nothing of these files reaches the library's code.
 NOT_CHANGED = {"identify/hardware_data_checks.cpp", "layout/record_layout.cpp"}
 TABLE_KINDS = {"table", "entry"}
-OUTCOMES = ["killed", "refused", "same code", "equivalent", "survived"]
+OUTCOMES = ["killed", "refused", "same code", "equivalent", "survived", "misjudged"]
 
 
 def possible_changes(build):
@@ -155,13 +155,16 @@ class Run:
             worker.build.prepare(file, len(changes))
             for change in changes:
                 outcome, by = worker.outcome(change)
+                listed = worker.equivalents.reason(change) is not None
+                if listed and outcome in ("killed", "refused"):
+                    outcome, by = "misjudged", f"{outcome}: {by}"
                 with self.lock:
                     self.results.append((change, outcome, by))
                     self._tell(change, outcome, by)
 
     def _tell(self, change, outcome, by):
-        if outcome == "survived":
-            print(f"survived  {change.describe()}", flush=True)
+        if outcome in ("survived", "misjudged"):
+            print(f"{outcome}  {change.describe()}  {by}".rstrip(), flush=True)
         if self.arguments.log:
             with open(self.arguments.log, "a") as log:
                 spent = time.monotonic() - self.started
@@ -213,12 +216,15 @@ def main():
     arguments = parser.parse_args()
     arguments.build, arguments.work = arguments.build.resolve(), arguments.work.resolve()
 
-    equivalents = Equivalents(Path(__file__).with_name("equivalents.txt"))
+    try:
+        equivalents = Equivalents(Path(__file__).with_name("equivalents.txt").read_text())
+    except NotAnEntry as mistake:
+        sys.exit(f"mutate: equivalents.txt: {mistake}")
     workers = [Worker(n, arguments, equivalents) for n in range(arguments.jobs)]
     every = possible_changes(workers[0].build)
-    stale = equivalents.stale(every)
-    if stale:
-        sys.exit("mutate: equivalents.txt names what is not there:\n" + "\n".join(stale))
+    mistakes = equivalents.mistakes(every)
+    if mistakes:
+        sys.exit("mutate: equivalents.txt:\n" + "\n".join(mistakes))
     by_file, everything = chosen_changes(arguments, every)
     for worker in workers:
         worker.start()
@@ -235,6 +241,9 @@ def main():
         worker.build.link({})
         worker.must_pass()
     rate = report(run.results, everything, time.monotonic() - run.started)
+    misjudged = sum(outcome == "misjudged" for _, outcome, _ in run.results)
+    if misjudged:
+        sys.exit(f"mutate: {misjudged} changes that equivalents.txt lists are noticed")
     sys.exit(1 if rate < arguments.least or not run.results else 0)
 
 
