@@ -71,12 +71,12 @@ class Worker:
         for program in programs:
             if self.programs.passes(program):
                 sys.exit(f"mutate: {program} passes without a library")
-        self.build.link({})
-        self.lookups.start()
         self.must_pass()
 
     def must_pass(self):
         """On the library as it stands: else its tests would notice every change."""
+        self.build.link({})
+        self.lookups.start()
         failed = self.programs.first_failure(self.programs.quick + self.programs.slow)
         if not failed and not self.programs.passes("lookups_test", self.lookups.program):
             failed = "lookups_test"
@@ -238,7 +238,6 @@ def main():
     if run.error:
         sys.exit(f"mutate: {run.error!r}")
     for worker in workers:
-        worker.build.link({})
         worker.must_pass()
     rate = report(run.results, everything, time.monotonic() - run.started)
     misjudged = sum(outcome == "misjudged" for _, outcome, _ in run.results)
