@@ -37,15 +37,15 @@ class Entry:
         return f"{self.file}: {self.written}  =>  {self.new or 'nothing'}"
 
 
-class NotAnEntry(Exception):
-    """A paragraph of the list that is not written as its top says."""
+class WrongList(Exception):
+    """A paragraph that is not written as the top of the list says, or one that fits no change."""
 
 
 def _entries(lines):
     """Those of one paragraph: each thing that may change, with each that it may become."""
 
     def refuse(why):
-        raise NotAnEntry(f"{why}:\n" + "\n".join(lines))
+        raise WrongList(f"{why}:\n" + "\n".join(lines))
 
     def take(sign):
         taken = []
@@ -91,6 +91,15 @@ class Equivalents:
         for paragraph in re.split(r"\n\n+", "\n".join(lines)):
             if paragraph.strip():
                 self.entries += _entries(paragraph.strip("\n").splitlines())
+
+    @classmethod
+    def of(cls, text, changes):
+        """The list, when nothing is wrong with it: a stale entry must not go unseen."""
+        equivalents = cls(text)
+        mistakes = equivalents.mistakes(changes)
+        if mistakes:
+            raise WrongList("\n" + "\n".join(mistakes))
+        return equivalents
 
     def reason(self, change):
         for entry in self.entries:

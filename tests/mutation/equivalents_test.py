@@ -3,7 +3,8 @@
 import unittest
 
 from changes import changes_of
-from equivalents import Equivalents, NotAnEntry
+from equivalents import Equivalents, WrongList
+from mutate import judged_equivalent
 
 FILE = "identify/rows.h"
 SOURCE = """\
@@ -40,8 +41,7 @@ class Excused(unittest.TestCase):
         self.changes = changes_of(FILE, SOURCE)
 
     def excused(self, *lines):
-        equivalents = Equivalents(paragraph(*lines))
-        self.assertEqual(equivalents.mistakes(self.changes), [])
+        equivalents = Equivalents.of(paragraph(*lines), self.changes)
         return [(c.line, c.after) for c in self.changes if equivalents.reason(c)]
 
     def mistakes(self, *lines):
@@ -155,12 +155,14 @@ class Mistakes(unittest.TestCase):
         self.changes = changes_of(FILE, SOURCE)
 
     def assert_stale(self, *lines):
+        with self.assertRaisesRegex(WrongList, "no such change"):
+            Equivalents.of(paragraph(*lines), self.changes)
         found = Equivalents(paragraph(*lines)).mistakes(self.changes)
         self.assertEqual(len(found), 1, found)
         self.assertTrue(found[0].startswith("no such change"), found)
 
     def assert_refused(self, *lines):
-        with self.assertRaises(NotAnEntry):
+        with self.assertRaises(WrongList):
             Equivalents(paragraph(*lines))
 
     def test_a_line_that_has_changed(self):
@@ -203,6 +205,18 @@ class Mistakes(unittest.TestCase):
 
     def test_comments_are_no_entries(self):
         self.assertEqual(Equivalents("# A list.\n\n# It is empty.\n").entries, [])
+
+
+class Judged(unittest.TestCase):
+    """A change that is listed is looked at all the same."""
+
+    def test_when_nothing_notices_it(self):
+        self.assertEqual(judged_equivalent("survived", ""), ("equivalent", ""))
+        self.assertEqual(judged_equivalent("same code", ""), ("same code", ""))
+
+    def test_when_something_does(self):
+        self.assertEqual(judged_equivalent("killed", "a_test")[0], "misjudged")
+        self.assertEqual(judged_equivalent("refused", "compiler: why")[0], "misjudged")
 
 
 if __name__ == "__main__":

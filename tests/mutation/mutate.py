@@ -1,7 +1,6 @@
 """Changes the library one place at a time and reports the changes that no test notices."""
 
 import argparse
-import json
 import os
 import random
 import sys
@@ -12,7 +11,7 @@ from itertools import zip_longest
 from pathlib import Path
 
 from changes import changes_of
-from equivalents import Equivalents, NotAnEntry
+from equivalents import Equivalents, WrongList
 from library_build import LibraryBuild, Refused
 from lookups_program import LookupsProgram
 from test_programs import TestPrograms
@@ -59,11 +58,10 @@ def evenly(changes, count, pick):
 
 
 class Worker:
-    def __init__(self, number, arguments, equivalents):
+    def __init__(self, number, arguments):
         self.build = LibraryBuild(ROOT, arguments.work / f"worker{number}", arguments.build)
         self.programs = TestPrograms(arguments.build / "bin", self.build.library)
         self.lookups = LookupsProgram(self.build)
-        self.equivalents = equivalents
 
     def start(self):
         """Every test must pass on the library as it stands, and fail without a library."""
@@ -118,11 +116,7 @@ class Worker:
             return "refused", "compiler: lookups_test"
         if rebuilt and not self.programs.passes("lookups_test", self.lookups.program):
             return "killed", "lookups_test"
-        if same_code:
-            return "same code", ""
-        if self.equivalents.reason(change):
-            return "equivalent", ""
-        return "survived", ""
+        return ("same code" if same_code else "survived"), ""
 
     def _same_code(self, changed):
         return all(
@@ -131,9 +125,18 @@ class Worker:
         )
 
 
+def judged_equivalent(outcome, by):
+    """What became of a change that is listed as one that changes nothing."""
+    if outcome == "survived":
+        return "equivalent", ""
+    if outcome in ("killed", "refused"):
+        return "misjudged", f"{outcome}: {by}"
+    return outcome, by
+
+
 class Run:
-    def __init__(self, arguments):
-        self.arguments = arguments
+    def __init__(self, arguments, equivalents):
+        self.arguments, self.equivalents = arguments, equivalents
         self.lock = threading.Lock()
         self.results = []
         self.error = None
@@ -155,9 +158,8 @@ class Run:
             worker.build.prepare(file, len(changes))
             for change in changes:
                 outcome, by = worker.outcome(change)
-                listed = worker.equivalents.reason(change) is not None
-                if listed and outcome in ("killed", "refused"):
-                    outcome, by = "misjudged", f"{outcome}: {by}"
+                if self.equivalents.reason(change):
+                    outcome, by = judged_equivalent(outcome, by)
                 with self.lock:
                     self.results.append((change, outcome, by))
                     self._tell(change, outcome, by)
@@ -216,19 +218,17 @@ def main():
     arguments = parser.parse_args()
     arguments.build, arguments.work = arguments.build.resolve(), arguments.work.resolve()
 
-    try:
-        equivalents = Equivalents(Path(__file__).with_name("equivalents.txt").read_text())
-    except NotAnEntry as mistake:
-        sys.exit(f"mutate: equivalents.txt: {mistake}")
-    workers = [Worker(n, arguments, equivalents) for n in range(arguments.jobs)]
+    workers = [Worker(n, arguments) for n in range(arguments.jobs)]
     every = possible_changes(workers[0].build)
-    mistakes = equivalents.mistakes(every)
-    if mistakes:
-        sys.exit("mutate: equivalents.txt:\n" + "\n".join(mistakes))
+    listed = Path(__file__).with_name("equivalents.txt")
+    try:
+        equivalents = Equivalents.of(listed.read_text(), every)
+    except WrongList as wrong:
+        sys.exit(f"mutate: {listed.name}: {wrong}")
     by_file, everything = chosen_changes(arguments, every)
     for worker in workers:
         worker.start()
-    run = Run(arguments)
+    run = Run(arguments, equivalents)
     files = batches(by_file)
     threads = [threading.Thread(target=run.work, args=(w, files)) for w in workers]
     for thread in threads:
