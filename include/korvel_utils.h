@@ -606,7 +606,7 @@ KORVEL_API uint32_t KORVEL_CALL korvel_get_metadata_blob_size(void);
  * The bytes that the GPU allocation of a laid-out surface must have.
  *
  * @param blob  a filled LayoutMetadata of any alignment, or null. Only its record_offset and the
- *              record's total_size and size are read, and none of them is checked.
+ *              record's total_size and size are read, once each, and none of them is checked.
  * @return bytes: total_size - size; 0 for null.
  */
 KORVEL_API uint64_t KORVEL_CALL korvel_get_aligned_gpu_buffer_size(const void* blob);
@@ -662,7 +662,8 @@ KORVEL_API uint32_t KORVEL_CALL korvel_init_memory_layout(void* blob, int32_t wi
  * messages say.
  *
  * @param record       a MemoryLayout, 8-byte aligned, not null; its `levels`, `alignment` and
- *                     `size` are read.
+ *                     `size` are read, once each and before anything is checked or written. What
+ *                     has been written is never read back.
  * @param width        texels; below 1 counts as 1.
  * @param height       texels; below 1 counts as 1.
  * @param depth        array slices or depth; sizes are multiplied by its 64-bit sign extension.
@@ -698,8 +699,9 @@ KORVEL_API void KORVEL_CALL korvel_init_single_level_surface(MemoryLayout* recor
  * of one plane stand together in front of the images.
  *
  * @param record  a MemoryLayout, 8-byte aligned, not null; its `levels`, `alignment` and `size` are
- *                read. For a tiled surface of one plane the flag_size of every level is read as
- *                well, also of those that get no flag buffer: zero the record first.
+ *                read as by korvel_init_single_level_surface(). For a tiled surface of one plane
+ *                without flag buffers the flag_size of every level is read as well, once, and
+ *                counted: zero the record first.
  * @param width   texels, rounded up to a multiple of 64 first; then 2^31 and more counts as 1, and
  *                so does 0.
  * @param height  texels; 0, and 2^31 and more, counts as 1, although a flag buffer takes exactly 2^31 as it
@@ -730,6 +732,16 @@ KORVEL_API void KORVEL_CALL korvel_init_multi_level_surface(MemoryLayout* record
  * exactly one message. The rules follow in their order, each with the words its message begins
  * with. UUIDs in messages are printed as uuid_to_str() prints them.
  *
+ * A record may lie in memory that others change while it is read. No word is read again after a
+ * check relied on it, so a verdict holds for the words that were seen, whatever stands there
+ * afterwards. Each word is read once, but for one level at most: a level that a first quick look
+ * does not pass is read anew, whole, and judged by the second reading alone. A caller who uses the
+ * record afterwards copies it first, and validates and uses the copy:
+ *
+ *   MemoryLayout copy;
+ *   memcpy(&copy, shared, sizeof copy);
+ *   if (validate_resource_memory_layout_metadata(&copy, device, driver) == KORVEL_SUCCESS) ...
+ *
  * MemoryLayout, under the name validate_resource_memory_layout_metadata:
  *   signature is KORVEL_LAYOUT_SIGNATURE      "Metadata has bad signature"
  *   device_uuid is the caller's               "Metadata device version mismatch"
@@ -753,12 +765,28 @@ KORVEL_API void KORVEL_CALL korvel_init_multi_level_surface(MemoryLayout* record
  *   alignment and all that follow             as for a MemoryLayout
  *
  * Bytes of the surface are total_size - size, 64 bits for a SurfaceMetadata. For a MemoryLayout
- * they are the low 32 bits of that difference, sign-extended: from 2^31 bytes on the bounds refuse
- * next to nothing. This is a fixed property of the format. A buffer ends at offset + (slices - 1) x
- * slice pitch + size, a fast-clear buffer, which serves all slices, at offset + size; an end that
+ * they are the low 32 bits of that difference, sign-extended. A buffer ends at offset + (slices - 1)
+ * x slice pitch + size, a fast-clear buffer, which serves all slices, at offset + size; an end that
  * does not fit 64 bits is out of bounds. The products of pitches, widths and heights wrap at 32
  * bits.
  *
+ * What these rules let pass is a fixed property of the formats:
+ *   - A total_size below the record's own size makes the bytes of the surface wrap to a number near
+ *     2^64: the bounds refuse next to nothing.
+ *   - For a MemoryLayout they do so from 2^31 bytes on; from 2^32 bytes on only what is left modulo
+ *     2^32 counts.
+ *   - A product that wraps is small: an image of 65536 rows with a pitch of 65536 bytes passes with
+ *     a size of 4096 bytes, and so does a row of 65536 elements of 65536 bytes with a pitch of 4096.
+ *
+ * "Accepted" means that every buffer of the record's levels and planes ends inside the surface's
+ * allocation, in exact arithmetic, when four conditions hold for the copied record as well:
+ *   1. size is 5472, 5504 or 5512 for a MemoryLayout, 5300 for a SurfaceMetadata: accepted records
+ *      have it
+ *   2. total_size >= size
+ *   3. for a MemoryLayout: total_size - size <= 0x7FFFFFFF
+ *   4. total_size - size <= the bytes of the allocation
+ * That rows lie inside their image takes one more for each image, and for each LRZ buffer alike:
+ *   (uint64_t)image_pitch * image_height <= image_size
  * Then level by level:
  *   size is 1 to total_size                   "Metadata level size is invalid value"
  *   slices is 1 to 2048                       "Metadata level slices is invalid value"

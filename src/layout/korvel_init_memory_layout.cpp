@@ -34,19 +34,19 @@ constexpr uint32_t surface_alignment_bytes(const ChipRow& chip, const FormatTrai
   }
 }
 
-void write_header(const ChipRow& chip, FormatId format, uint32_t samples, uint32_t tiling_mode,
+void write_header(const ChipRow& chip, FormatId format, uint32_t samples, RecordHead head,
                   LayoutMetadata& metadata) {
   metadata.header = kHeader;
   MemoryLayout& record = metadata.layout;
   record.signature = KORVEL_LAYOUT_SIGNATURE;
-  record.size = sizeof(MemoryLayout);
+  record.size = head.size;
   store_uuid(record.device_uuid, chip.device_uuid);
   store_uuid(record.driver_uuid, kDriverUuid);
   record.format = format;
   record.samples = samples;
-  record.alignment = surface_alignment_bytes(chip, format_traits(format), samples, tiling_mode);
+  record.alignment = head.alignment;
   record.linear_fallback = 0;
-  record.levels = 1;
+  record.levels = head.levels;
 }
 
 }  // namespace
@@ -65,9 +65,15 @@ uint32_t korvel_init_memory_layout(void* blob, int32_t width, int32_t height, in
   if (blob == nullptr) return KORVEL_FAILURE;
 
   auto& metadata = *static_cast<LayoutMetadata*>(blob);
-  korvel::write_header(chip, format, samples, tiling_mode, metadata);
+  const korvel::RecordHead head = {
+      .size = sizeof(MemoryLayout),
+      .alignment = korvel::surface_alignment_bytes(chip, korvel::format_traits(format), samples,
+                                                   tiling_mode),
+      .levels = 1,
+  };
+  korvel::write_header(chip, format, samples, head, metadata);
   const korvel::Surface surface = korvel::described_surface(chip, {width, height}, depth, format,
                                                             samples, tiling_mode, flags, planes);
-  korvel::lay_out_single_level_surface(surface, 1, metadata.layout);
+  korvel::lay_out_single_level_surface(surface, head, metadata.layout);
   return KORVEL_SUCCESS;
 }

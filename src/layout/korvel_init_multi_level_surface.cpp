@@ -1,8 +1,8 @@
 // The layout of a surface with mip levels: each plane's levels form one chain, and an array slice
 // is a whole chain.
 //
-// First every level of every plane is sized, then each plane's levels are put one after another
-// from 0 on, then the chain is moved to its place.
+// First every level of a plane is sized, then its flag buffers and its images are put one after
+// another. What is written into the record is never read back from it.
 
 #include <korvel_utils.h>
 
@@ -25,15 +25,10 @@ constexpr const char* kName = "korvel_init_multi_level_surface";
 // Widths of a chain start from whole steps of this many texels, on every chip.
 constexpr uint32_t kChainWidthStep_texels = 64;
 
-// The images of one plane's levels.
-struct ChainImages {
-  Extent<Elements> level[KORVEL_MAX_LEVELS];
-};
-
-// Bytes of one slice of a chain.
-struct ChainBytes {
-  uint64_t images;  // with the flag buffers of their own
-  uint64_t gathered_flags;
+// The levels of one plane.
+struct Chain {
+  Extent<Elements> image[KORVEL_MAX_LEVELS];
+  uint64_t flag_bytes[KORVEL_MAX_LEVELS];  // of each flag buffer, where there are some
 };
 
 // Where the flag buffers of a chain lie.
@@ -58,7 +53,7 @@ constexpr uint32_t next_power_of_two(int32_t size) {
 }
 
 // Sizes the flag buffers of all levels of a plane, if it has any. `levels` is not 0.
-void size_flag_buffers(const Surface& surface, uint32_t levels, uint32_t plane,
+void size_flag_buffers(const Surface& surface, uint32_t levels, uint32_t plane, Chain& chain,
                        MemoryLayout& record) {
   if (!surface.flag_buffers) return;
   const Extent<Elements> covered = {next_power_of_two(surface.size.width),
@@ -70,7 +65,7 @@ void size_flag_buffers(const Surface& surface, uint32_t levels, uint32_t plane,
     const uint32_t rows = std::max(tiles.height >> level, least);
     PlaneLayout& out = record.level[level].plane[plane];
     out.flag_pitch = pitch_bytes;
-    out.flag_size = uint32_t{rows * pitch_bytes};
+    out.flag_size = chain.flag_bytes[level] = uint32_t{rows * pitch_bytes};
   }
 }
 
@@ -84,60 +79,69 @@ constexpr bool takes_whole_tiles(const Surface& surface) {
 
 // The sizes that the rules come to, where none is refused; a plane looks its tile up once, which
 // saves half of the instructions of a chain.
-void size_in_whole_tiles(const Surface& surface, uint32_t levels, uint32_t plane,
-                         ChainImages& images) {
+void size_in_whole_tiles(const Surface& surface, uint32_t levels, uint32_t plane, Chain& chain) {
   const Extent<Elements> tile = plane_tile_family67(surface.alignment, plane);
   SignedExtent<Texels> texels = first_level(surface.size);
   for (uint32_t level = 0; level < levels; ++level, texels = next_level(texels)) {
     const SignedExtent<Elements> elements = one_texel_elements(texels);
-    images.level[level] = whole_tiles(
+    chain.image[level] = whole_tiles(
         {static_cast<uint32_t>(elements.width), static_cast<uint32_t>(elements.height)}, tile);
   }
 }
 
 // Level by level, and each level's planes in turn: so come the messages of sizes that are refused,
 // and the fault of a flag buffer whose tile is not known.
-void size_by_rules(const Surface& surface, uint32_t levels, ChainImages* images,
-                   MemoryLayout& record) {
+void size_by_rules(const Surface& surface, uint32_t levels, Chain* chains, MemoryLayout& record) {
   SignedExtent<Texels> texels = first_level(surface.size);
   for (uint32_t level = 0; level < levels; ++level, texels = next_level(texels)) {
     const SignedExtent<Elements> elements = level_elements(surface, texels);
     for (uint32_t plane = 0; plane < surface.planes; ++plane) {
-      images[plane].level[level] = fdm_extent(surface.chip, elements, surface.alignment, plane);
-      if (level == 0) size_flag_buffers(surface, levels, plane, record);
+      chains[plane].image[level] = fdm_extent(surface.chip, elements, surface.alignment, plane);
+      if (level == 0) size_flag_buffers(surface, levels, plane, chains[plane], record);
     }
   }
 }
 
-// Puts a plane's levels one after another from 0 on. Every level's stored flag size counts in a
-// gathered area, whether or not this layout wrote it.
-ChainBytes append_levels(const Surface& surface, uint32_t levels, uint32_t plane,
-                         const ChainImages& images, FlagPlacement placement, MemoryLayout& record) {
-  ChainBytes end = {.images = 0, .gathered_flags = 0};
+// Puts the flag buffers of a plane one after another from 0 on. Of a surface that has a place for
+// them alone, the sizes that its record holds count. Returns where they end.
+uint64_t place_gathered_flags(const Surface& surface, uint32_t levels, uint32_t plane,
+                              const Chain& chain, MemoryLayout& record) {
+  uint64_t end_bytes = 0;
+  for (uint32_t level = 0; level < levels; ++level) {
+    PlaneLayout& out = record.level[level].plane[plane];
+    out.flag_offset = end_bytes;
+    end_bytes += surface.flag_buffers ? chain.flag_bytes[level]
+                                      : KORVEL_STORED(stored_bytes(out), PlaneLayout, flag_size);
+  }
+  return end_bytes;
+}
+
+// Puts the images of a plane one after another, each behind a flag buffer of its own where it has
+// one. Returns where they end.
+uint64_t place_images(const Surface& surface, uint32_t levels, uint32_t plane, const Chain& chain,
+                      FlagPlacement placement, uint64_t start_bytes, MemoryLayout& record) {
+  uint64_t end_bytes = start_bytes;
   for (uint32_t level = 0; level < levels; ++level) {
     LevelLayout& level_out = record.level[level];
     PlaneLayout& out = level_out.plane[plane];
-    const Extent<Elements>& image = images.level[level];
+    const Extent<Elements>& image = chain.image[level];
     const uint32_t pitch_bytes = surface.element_bytes * image.width;
     const uint64_t image_bytes =
         round_up_pot(pitch_bytes * image.height, surface.image_alignment_bytes);
 
     uint64_t own_flag_bytes = 0;
-    if (placement == FlagPlacement::gathered) {
-      out.flag_offset = end.gathered_flags;
-      end.gathered_flags += out.flag_size;
-    } else if (placement == FlagPlacement::own) {
-      out.flag_offset = end.images;
-      own_flag_bytes = out.flag_size;
+    if (placement == FlagPlacement::own) {
+      out.flag_offset = end_bytes;
+      own_flag_bytes = chain.flag_bytes[level];
     }
-    out.image_offset = end.images + own_flag_bytes;
+    out.image_offset = end_bytes + own_flag_bytes;
     out.image_size = image_bytes;
     out.image_pitch = pitch_bytes;
     out.image_element_size = surface.element_bytes;
     out.image_width = image.width;
     out.image_height = image.height;
     out.flag_valid = surface.flag_buffers ? 1 : 0;
-    end.images += own_flag_bytes + image_bytes;
+    end_bytes += own_flag_bytes + image_bytes;
 
     level_out.slices = static_cast<uint32_t>(surface.depth);
     level_out.tiled = surface.alignment.tiling_mode;
@@ -146,56 +150,61 @@ ChainBytes append_levels(const Surface& surface, uint32_t levels, uint32_t plane
     level_out.size = bytes_of_all_slices(surface, own_flag_bytes + image_bytes);
     mark_lrz_absent(level_out);
   }
-  return end;
+  return end_bytes;
 }
 
-// Moves a chain that starts at 0 to `start_bytes`.
-void place_chain(uint32_t levels, uint32_t plane, FlagPlacement placement, uint64_t start_bytes,
-                 uint64_t slice_bytes, uint64_t flag_slice_bytes, MemoryLayout& record) {
+// A slice of a chain is the whole chain.
+void set_slice_pitches(uint32_t levels, uint32_t plane, FlagPlacement placement,
+                       uint64_t slice_bytes, uint64_t flag_slice_bytes, MemoryLayout& record) {
   for (uint32_t level = 0; level < levels; ++level) {
     PlaneLayout& out = record.level[level].plane[plane];
-    out.image_offset += start_bytes;
     out.image_slice_pitch = slice_bytes;
     if (placement == FlagPlacement::gathered) {
       out.flag_slice_pitch = flag_slice_bytes;
     } else if (placement == FlagPlacement::own) {
-      out.flag_offset += start_bytes;
       out.flag_slice_pitch = slice_bytes;
     }
   }
 }
 
 // At most 15 levels and 3 planes.
-void lay_out_mip_chains(const Surface& surface, uint32_t levels, MemoryLayout& record) {
+void lay_out_mip_chains(const Surface& surface, RecordHead head, MemoryLayout& record) {
   const ChipProperties& properties = surface.chip.properties;
+  const uint32_t levels = head.levels;
   const FlagPlacement placement = flag_placement(surface);
   const bool whole_tiles = takes_whole_tiles(surface);
-  ChainImages images[KORVEL_MAX_PLANES];
+  Chain chains[KORVEL_MAX_PLANES];
   if (!whole_tiles) {
-    size_by_rules(surface, levels, images, record);
+    size_by_rules(surface, levels, chains, record);
   }
 
   uint64_t end_bytes = 0;  // of all slices of the planes so far
   for (uint32_t plane = 0; plane < surface.planes; ++plane) {
+    Chain& chain = chains[plane];
     if (whole_tiles) {
-      size_in_whole_tiles(surface, levels, plane, images[plane]);
-      if (levels != 0) size_flag_buffers(surface, levels, plane, record);
+      size_in_whole_tiles(surface, levels, plane, chain);
+      if (levels != 0) size_flag_buffers(surface, levels, plane, chain, record);
     }
-    const ChainBytes slice =
-        append_levels(surface, levels, plane, images[plane], placement, record);
+    const uint64_t gathered_flag_bytes =
+        placement == FlagPlacement::gathered
+            ? place_gathered_flags(surface, levels, plane, chain, record)
+            : 0;
     const uint64_t flag_slice_bytes =
-        round_up_pot<uint64_t>(slice.gathered_flags, properties.level_size_alignment);
-    const uint64_t slice_bytes = round_up_pot<uint64_t>(slice.images, properties.base_alignment);
+        round_up_pot<uint64_t>(gathered_flag_bytes, properties.level_size_alignment);
     const uint64_t images_from = end_bytes + bytes_of_all_slices(surface, flag_slice_bytes);
     const uint64_t start_bytes =
         round_up_pot<uint64_t>(images_from, properties.level_offset_alignment);
-    place_chain(levels, plane, placement, start_bytes, slice_bytes, flag_slice_bytes, record);
+    const uint64_t images_to =
+        place_images(surface, levels, plane, chain, placement, start_bytes, record);
+    const uint64_t slice_bytes =
+        round_up_pot<uint64_t>(images_to - start_bytes, properties.base_alignment);
+    set_slice_pitches(levels, plane, placement, slice_bytes, flag_slice_bytes, record);
     end_bytes = start_bytes + bytes_of_all_slices(surface, slice_bytes);
   }
   if (surface.planes == 0) {  // no chain has marked its levels
     for (uint32_t level = 0; level < levels; ++level) mark_lrz_absent(record.level[level]);
   }
-  finish_record(surface, end_bytes, record);
+  finish_record(surface, head, end_bytes, record);
 }
 
 }  // namespace
@@ -205,8 +214,9 @@ void korvel_init_multi_level_surface(MemoryLayout* record, uint32_t width, uint3
                                      int32_t depth, uint32_t format, uint32_t samples,
                                      uint32_t tiling_mode, uint64_t flags, uint32_t planes) {
   const korvel::ChipRow& chip = korvel::identified_chip();
-  const uint32_t levels = record->levels;
-  if (!korvel::levels_fit(korvel::kName, levels) || !korvel::planes_fit(korvel::kName, planes)) {
+  const korvel::RecordHead head = korvel::read_head(*record);
+  if (!korvel::levels_fit(korvel::kName, head.levels) ||
+      !korvel::planes_fit(korvel::kName, planes)) {
     return;
   }
   const korvel::SignedExtent<korvel::Texels> base = {
@@ -217,5 +227,5 @@ void korvel_init_multi_level_surface(MemoryLayout* record, uint32_t width, uint3
   // No row of a chain is pitch-padded, and its linear steps are turned into elements.
   surface.alignment.min_padded_row_bytes = std::numeric_limits<int32_t>::max();
   surface.alignment.step_divisor = surface.element_bytes;
-  korvel::lay_out_mip_chains(surface, levels, *record);
+  korvel::lay_out_mip_chains(surface, head, *record);
 }

@@ -9,9 +9,9 @@ void korvel_init_single_level_surface(MemoryLayout* record, int32_t width, int32
                                       uint32_t tiling_mode, uint64_t flags, uint32_t planes) {
   constexpr const char* kName = "korvel_init_single_level_surface";
   const korvel::ChipRow& chip = korvel::identified_chip();
-  const uint32_t levels = record->levels;
-  if (!korvel::levels_fit(kName, levels) || !korvel::planes_fit(kName, planes)) return;
+  const korvel::RecordHead head = korvel::read_head(*record);
+  if (!korvel::levels_fit(kName, head.levels) || !korvel::planes_fit(kName, planes)) return;
   const korvel::Surface surface = korvel::described_surface(chip, {width, height}, depth, format,
                                                             samples, tiling_mode, flags, planes);
-  korvel::lay_out_single_level_surface(surface, levels, *record);
+  korvel::lay_out_single_level_surface(surface, head, *record);
 }

@@ -72,11 +72,11 @@ inline bool level_is_plain(const unsigned char* level_at, uint32_t tiled,
   const auto lrz_fc_valid = KORVEL_STORED(level_at, Level, lrz_fc_valid);
   if ((lrz_valid | lrz_fc_valid) != 0) return false;
   const auto slices = KORVEL_STORED(level_at, Level, slices);
-  if (!is_from_1_to(slices, KORVEL_MAX_SLICES)) return false;
   const auto planes = KORVEL_STORED(level_at, Level, planes);
   // A copy for levels of one slice, whose buffers need no products: a fifth less.
-  return slices == 1 ? planes_are_plain<Kind>(level_at, planes, 1, tiled, header.surface_size)
-                     : planes_are_plain<Kind>(level_at, planes, slices, tiled, header.surface_size);
+  if (slices == 1) return planes_are_plain<Kind>(level_at, planes, 1, tiled, header.surface_size);
+  return is_from_1_to(slices, KORVEL_MAX_SLICES) &&
+         planes_are_plain<Kind>(level_at, planes, slices, tiled, header.surface_size);
 }
 
 // How many levels from the first one on are plain and tiled alike, and what they have in common.
@@ -100,7 +100,10 @@ PlainLevels plain_levels(const unsigned char* record, const CheckedHeader& heade
   return plain;
 }
 
-// Every level of a record whose header has passed.
+// Every level of a record whose header has passed. The rules read the first level that is not plain
+// anew, all its words, and judge what they read; of the words that the fast path refused none is
+// kept. Each other level is read once. (To hand the refused words over takes 6 % more on 64-bit Arm
+// Windows and a third more on Linux.)
 template <typename Kind>
 bool levels_pass(const unsigned char* record, const CheckedHeader& header) {
   const PlainLevels plain = plain_levels<Kind>(record, header);

@@ -57,11 +57,11 @@ inline uint64_t lay_out_plane(const Surface& surface, SignedExtent<Elements> siz
 }
 
 // At most 15 levels and 3 planes; the planes of a level follow those of the level before.
-inline void lay_out_single_level_surface(const Surface& surface, uint32_t levels,
+inline void lay_out_single_level_surface(const Surface& surface, RecordHead head,
                                          MemoryLayout& record) {
   uint64_t end_bytes = 0;  // of one slice of all planes so far
   SignedExtent<Texels> texels = first_level(surface.size);
-  for (uint32_t level = 0; level < levels; ++level, texels = next_level(texels)) {
+  for (uint32_t level = 0; level < head.levels; ++level, texels = next_level(texels)) {
     LevelLayout& out = record.level[level];
     const SignedExtent<Elements> elements = level_elements(surface, texels);
     const uint64_t start_bytes = end_bytes;
@@ -74,7 +74,7 @@ inline void lay_out_single_level_surface(const Surface& surface, uint32_t levels
     out.size = bytes_of_all_slices(surface, end_bytes - start_bytes);
     mark_lrz_absent(out);
   }
-  finish_record(surface, bytes_of_all_slices(surface, end_bytes), record);
+  finish_record(surface, head, bytes_of_all_slices(surface, end_bytes), record);
 }
 
 }  // namespace korvel

@@ -139,11 +139,12 @@ inline StoredBuffer stored_lrz_fast_clear(const unsigned char* level_at) {
 // `slices` is 1 or more. An end that does not fit 64 bits lies outside every surface.
 inline bool exceeds_surface(const StoredBuffer& buffer, uint32_t slices,
                             uint64_t surface_size_bytes) {
-  uint64_t end;
-  if (__builtin_add_overflow(buffer.offset, buffer.size, &end)) return true;
+  uint64_t end = buffer.offset + buffer.size;
+  if (end < buffer.offset) return true;
   uint64_t others;
   if (__builtin_mul_overflow(uint64_t{slices - 1}, buffer.slice_pitch, &others)) return true;
-  if (__builtin_add_overflow(end, others, &end)) return true;
+  end += others;
+  if (end < others) return true;
   return end > surface_size_bytes;
 }
 

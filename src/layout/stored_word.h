@@ -1,16 +1,26 @@
-// Words of stored records, which may stand at any address.
+// Words of stored records. A record may stand at any address, and another process may change it
+// while it is read: each word is fetched once and goes on as a value, so that what is used is what
+// was checked.
 #pragma once
 
 #include <cstddef>
-#include <cstring>
 
 namespace korvel {
 
+// Volatile: no compiler may fetch the word again in the place of keeping its value. Of a packed
+// record: one access, wherever the word stands.
 template <typename Word>
 inline Word stored_word(const unsigned char* record, std::size_t offset) {
-  Word word;
-  std::memcpy(&word, record + offset, sizeof word);
-  return word;
+  struct [[gnu::packed, gnu::may_alias]] Anywhere {
+    Word word;
+  };
+  return reinterpret_cast<const volatile Anywhere*>(record + offset)->word;
+}
+
+// A record, or a part of one, as the bytes that it is.
+template <typename Record>
+inline const unsigned char* stored_bytes(const Record& record) {
+  return reinterpret_cast<const unsigned char*>(&record);
 }
 
 }  // namespace korvel

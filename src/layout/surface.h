@@ -5,6 +5,7 @@
 #include <korvel_utils.h>
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdint>
 
 #include "align/alignment_request.h"
@@ -15,6 +16,7 @@
 #include "formats/sample_tile_dims.h"
 #include "formats/ubwc_formats.h"
 #include "identify/chip_row.h"
+#include "layout/stored_word.h"
 #include "platform/rounding.h"
 
 namespace korvel {
@@ -101,9 +103,24 @@ inline void mark_lrz_absent(LevelLayout& level) {
   level.lrz_fc_valid = 0;
 }
 
+// What a layout takes from the head of its record: read once, before anything is checked.
+struct RecordHead {
+  uint32_t size;       // bytes of the record
+  uint32_t alignment;  // of the surface, bytes
+  uint32_t levels;
+};
+
+inline RecordHead read_head(const MemoryLayout& record) {
+  const unsigned char* bytes = stored_bytes(record);
+  return {.size = KORVEL_STORED(bytes, MemoryLayout, size),
+          .alignment = KORVEL_STORED(bytes, MemoryLayout, alignment),
+          .levels = KORVEL_STORED(bytes, MemoryLayout, levels)};
+}
+
 // Writes the extra buffer and the total, the last words of a laid-out record. `surface_bytes` is
-// where the planes end. The record's alignment and size are read.
-inline void finish_record(const Surface& surface, uint64_t surface_bytes, MemoryLayout& record) {
+// where the planes end.
+inline void finish_record(const Surface& surface, RecordHead head, uint64_t surface_bytes,
+                          MemoryLayout& record) {
   record.extra_valid = surface.extra_buffer ? 1 : 0;
   if (surface.extra_buffer) [[unlikely]] {
     const uint64_t extra_bytes = bytes_of_all_slices(surface, KORVEL_EXTRA_SLICE_BYTES);
@@ -113,7 +130,7 @@ inline void finish_record(const Surface& surface, uint64_t surface_bytes, Memory
     surface_bytes += extra_bytes;
   }
   record.extended = surface.extended ? 1 : 0;
-  record.total_size = round_up_pot<uint64_t>(surface_bytes, record.alignment) + record.size;
+  record.total_size = round_up_pot<uint64_t>(surface_bytes, head.alignment) + head.size;
 }
 
 }  // namespace korvel

@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 
 #include "formats/format_ids.h"
 #include "identify/uuid.h"
@@ -15,30 +16,43 @@
 
 namespace korvel {
 
+// A UUID as it was read.
+struct ReadUuid {
+  uint64_t words_0_1;
+  uint64_t words_2_3;
+
+  friend constexpr bool operator==(const ReadUuid&, const ReadUuid&) = default;
+};
+
+inline ReadUuid read_uuid(const unsigned char* uuid) {
+  return {stored_word<uint64_t>(uuid, 0), stored_word<uint64_t>(uuid, sizeof(uint64_t))};
+}
+
+constexpr uint32_t uuid_word(const ReadUuid& uuid, std::size_t word) {
+  const uint64_t pair = word < 2 ? uuid.words_0_1 : uuid.words_2_3;
+  return static_cast<uint32_t>(word % 2 == 0 ? pair : pair >> 32);
+}
+
 // The two UUIDs of a mismatch as text.
 struct UuidTexts {
   char stored[64];
   char callers[64];
 };
 
-[[gnu::cold]] inline UuidTexts uuid_texts(const unsigned char* stored, const uint8_t* callers) {
+[[gnu::cold]] inline UuidTexts uuid_texts(ReadUuid stored, ReadUuid callers) {
+  uint8_t bytes[2][KORVEL_UUID_BYTES];
+  std::memcpy(bytes[0], &stored, sizeof stored);
+  std::memcpy(bytes[1], &callers, sizeof callers);
   UuidTexts texts;
   texts.stored[0] = texts.callers[0] = '\0';
-  print_uuid(texts.stored, sizeof texts.stored, stored);
-  print_uuid(texts.callers, sizeof texts.callers, callers);
+  print_uuid(texts.stored, sizeof texts.stored, bytes[0]);
+  print_uuid(texts.callers, sizeof texts.callers, bytes[1]);
   return texts;
 }
 
-inline uint32_t uuid_word(const unsigned char* uuid, std::size_t word) {
-  return stored_word<uint32_t>(uuid, word * sizeof(uint32_t));
-}
-
-inline bool device_uuid_passes(const char* validator, const unsigned char* stored,
-                               const uint8_t* callers) {
-  if (stored_word<uint64_t>(stored, 0) == stored_word<uint64_t>(callers, 0) &&
-      stored_word<uint64_t>(stored, 8) == stored_word<uint64_t>(callers, 8)) {
-    return true;
-  }
+inline bool device_uuid_passes(const char* validator, const ReadUuid& stored,
+                               const ReadUuid& callers) {
+  if (stored == callers) return true;
   const UuidTexts texts = uuid_texts(stored, callers);
   KORVEL_LOG(validator, "Metadata device version mismatch {store uuid %s, struct uuid %s}",
              texts.stored, texts.callers);
@@ -46,8 +60,8 @@ inline bool device_uuid_passes(const char* validator, const unsigned char* store
 }
 
 // The validators compare different words of the driver UUID.
-inline bool driver_uuid_passes(const char* validator, const unsigned char* stored,
-                               const uint8_t* callers, std::size_t word) {
+inline bool driver_uuid_passes(const char* validator, const ReadUuid& stored,
+                               const ReadUuid& callers, std::size_t word) {
   if (uuid_word(stored, word) == uuid_word(callers, word)) return true;
   const UuidTexts texts = uuid_texts(stored, callers);
   KORVEL_LOG(validator, "Metadata driver version mismatch {store uuid %s, struct uuid %s}",

@@ -39,15 +39,17 @@ const LayoutVersion* identity_passes(const unsigned char* record, const uint8_t*
     KORVEL_LOG(kName, "Metadata has bad signature %u", signature);
     return nullptr;
   }
-  const unsigned char* stored_driver = record + offsetof(MemoryLayout, driver_uuid);
-  if (!device_uuid_passes(kName, record + offsetof(MemoryLayout, device_uuid), device_uuid) ||
-      !driver_uuid_passes(kName, stored_driver, driver_uuid, kDriverVersionWord)) {
+  if (!device_uuid_passes(kName, read_uuid(record + offsetof(MemoryLayout, device_uuid)),
+                          read_uuid(device_uuid))) {
     return nullptr;
   }
-  const LayoutVersion* version = layout_version(uuid_word(stored_driver, kLayoutVersionWord),
-                                                uuid_word(driver_uuid, kLayoutVersionWord));
+  const ReadUuid stored = read_uuid(record + offsetof(MemoryLayout, driver_uuid));
+  const ReadUuid callers = read_uuid(driver_uuid);
+  if (!driver_uuid_passes(kName, stored, callers, kDriverVersionWord)) return nullptr;
+  const LayoutVersion* version =
+      layout_version(uuid_word(stored, kLayoutVersionWord), uuid_word(callers, kLayoutVersionWord));
   if (version == nullptr) {
-    const UuidTexts texts = uuid_texts(stored_driver, driver_uuid);
+    const UuidTexts texts = uuid_texts(stored, callers);
     KORVEL_LOG(kName, "Metadata memory layout version mismatch {store uuid %s, struct uuid %s}",
                texts.stored, texts.callers);
   }

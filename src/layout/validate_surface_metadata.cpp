@@ -24,9 +24,10 @@ bool identity_passes(const unsigned char* record, const uint8_t* device_uuid,
                uint32_t{KORVEL_SURFACE_BYTES});
     return false;
   }
-  return device_uuid_passes(kName, record + offsetof(SurfaceMetadata, device_uuid), device_uuid) &&
-         driver_uuid_passes(kName, record + offsetof(SurfaceMetadata, driver_uuid), driver_uuid,
-                            kDriverKindWord);
+  return device_uuid_passes(kName, read_uuid(record + offsetof(SurfaceMetadata, device_uuid)),
+                            read_uuid(device_uuid)) &&
+         driver_uuid_passes(kName, read_uuid(record + offsetof(SurfaceMetadata, driver_uuid)),
+                            read_uuid(driver_uuid), kDriverKindWord);
 }
 
 bool header_passes(const unsigned char* record, CheckedHeader& header) {
