@@ -34,10 +34,6 @@ uint32_t ResourceKind::rules(reference::Process& process, const void* record) {
                                                              usual_uuids().driver);
 }
 
-uint64_t ResourceKind::bound(const Record& record) {
-  return static_cast<uint32_t>(record.total_size - record.size);
-}
-
 uint32_t SurfaceKind::validate(const harness::Library& library, const void* record) {
   return library.validate_surface_metadata(record, usual_uuids().device, usual_uuids().driver);
 }

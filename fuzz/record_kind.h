@@ -21,17 +21,12 @@ struct ResourceKind : records::ResourceKind {
   static std::size_t readable_bytes(std::span<const uint8_t> record);
   static uint32_t validate(const harness::Library& library, const void* record);
   static uint32_t rules(reference::Process& process, const void* record);
-  // What its bound checks take for the surface's bytes.
-  static uint64_t bound(const Record& record);
-  static bool bound_is_exact(uint64_t bound) { return bound < (uint64_t{1} << 31); }
 };
 
 struct SurfaceKind : records::SurfaceKind {
   static std::size_t readable_bytes(std::span<const uint8_t>) { return kBytes; }
   static uint32_t validate(const harness::Library& library, const void* record);
   static uint32_t rules(reference::Process& process, const void* record);
-  static uint64_t bound(const Record& record) { return record.total_size - kBytes; }
-  static bool bound_is_exact(uint64_t) { return true; }
 };
 
 }  // namespace fuzz

@@ -1,15 +1,21 @@
+// replay_TARGET [--meets CASE]... FILE-OR-FOLDER...
+//
 // Runs a target on stored inputs: every file named on the command line, and every file of every
-// folder named there. Needs nothing but the target, so that any compiler builds it.
+// folder named there. Fails when a case that the inputs are to meet is met by none. Needs no fuzzer,
+// so that any compiler builds it.
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "fuzz/fuzz_target.h"
+#include "fuzz/met_cases.h"
 
 namespace {
 
@@ -41,17 +47,61 @@ void run(const Path& path) {
   LLVMFuzzerTestOneInput(bytes.data(), bytes.size());
 }
 
+struct Arguments {
+  std::vector<Path> paths;
+  std::vector<fuzz::Case> meets;
+};
+
+[[noreturn]] void end_with_usage(const char* program) {
+  std::fprintf(stderr, "usage: %s [--meets CASE]... FILE-OR-FOLDER...\n", program);
+  std::exit(1);
+}
+
+fuzz::Case case_or_end(const char* name) {
+  const std::optional<fuzz::Case> found = fuzz::case_named(name);
+  if (found) return *found;
+  std::fprintf(stderr, "no property tells a case %s apart\n", name);
+  std::exit(1);
+}
+
+Arguments arguments_of(int argc, char** argv) {
+  Arguments arguments;
+  for (int i = 1; i < argc; ++i) {
+    if (std::string_view(argv[i]) != "--meets") {
+      arguments.paths.emplace_back(argv[i]);
+      continue;
+    }
+    if (++i == argc) end_with_usage(argv[0]);
+    arguments.meets.push_back(case_or_end(argv[i]));
+  }
+  return arguments;
+}
+
+bool all_are_met(const std::vector<fuzz::Case>& cases) {
+  bool all = true;
+  for (const fuzz::Case asked : cases) {
+    const uint64_t times = fuzz::times_met(asked);
+    std::printf("%s: met %llu times\n", fuzz::name_of(asked).data(),
+                static_cast<unsigned long long>(times));
+    if (times != 0) continue;
+    std::fprintf(stderr, "no input meets the case %s\n", fuzz::name_of(asked).data());
+    all = false;
+  }
+  return all;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
+  const Arguments arguments = arguments_of(argc, argv);
   std::size_t count = 0;
-  for (int i = 1; i < argc; ++i) {
-    for (const Path& path : inputs_at(argv[i])) {
+  for (const Path& argument : arguments.paths) {
+    for (const Path& path : inputs_at(argument)) {
       run(path);
       ++count;
     }
   }
   std::printf("%zu inputs replayed\n", count);
-  if (count == 0) std::fprintf(stderr, "usage: %s FILE-OR-FOLDER...\n", argv[0]);
-  return count == 0 ? 1 : 0;
+  if (count == 0) end_with_usage(argv[0]);
+  return all_are_met(arguments.meets) ? 0 : 1;
 }

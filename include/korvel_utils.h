@@ -736,10 +736,12 @@ KORVEL_API void KORVEL_CALL korvel_init_multi_level_surface(MemoryLayout* record
  * check relied on it, so a verdict holds for the words that were seen, whatever stands there
  * afterwards. Each word is read once, but for one level at most: a level that a first quick look
  * does not pass is read anew, whole, and judged by the second reading alone. A caller who uses the
- * record afterwards copies it first, and validates and uses the copy:
+ * record afterwards copies it first, `length` bytes of it being there, and validates and uses the
+ * copy:
  *
- *   MemoryLayout copy;
- *   memcpy(&copy, shared, sizeof copy);
+ *   MemoryLayout copy = {0};
+ *   if (length < KORVEL_LAYOUT_BYTES_VERSION_1) return refused;
+ *   memcpy(&copy, shared, length < sizeof copy ? length : sizeof copy);
  *   if (validate_resource_memory_layout_metadata(&copy, device, driver) == KORVEL_SUCCESS) ...
  *
  * MemoryLayout, under the name validate_resource_memory_layout_metadata:
@@ -773,20 +775,25 @@ KORVEL_API void KORVEL_CALL korvel_init_multi_level_surface(MemoryLayout* record
  * What these rules let pass is a fixed property of the formats:
  *   - A total_size below the record's own size makes the bytes of the surface wrap to a number near
  *     2^64: the bounds refuse next to nothing.
- *   - For a MemoryLayout they do so from 2^31 bytes on; from 2^32 bytes on only what is left modulo
- *     2^32 counts.
+ *   - So do they for a MemoryLayout whose surface has bit 31 of its bytes set: 2^31 to 2^32 - 1
+ *     bytes and each 2^32 more. Else the bound is what is left of the bytes modulo 2^32.
  *   - A product that wraps is small: an image of 65536 rows with a pitch of 65536 bytes passes with
  *     a size of 4096 bytes, and so does a row of 65536 elements of 65536 bytes with a pitch of 4096.
+ *   - A level's size may exceed the surface by the record's size, and the extra buffer of a
+ *     MemoryLayout is not looked at.
  *
- * "Accepted" means that every buffer of the record's levels and planes ends inside the surface's
- * allocation, in exact arithmetic, when four conditions hold for the copied record as well:
- *   1. size is 5472, 5504 or 5512 for a MemoryLayout, 5300 for a SurfaceMetadata: accepted records
- *      have it
+ * "Accepted" means that every image, flag, LRZ and fast-clear buffer of the record's levels and
+ * planes ends inside the surface's allocation, in exact arithmetic, when four conditions hold:
+ *   1. size is 5472, 5504 or 5512 for a MemoryLayout, 5300 for a SurfaceMetadata; an accepted record
+ *      has the one of its version
  *   2. total_size >= size
  *   3. for a MemoryLayout: total_size - size <= 0x7FFFFFFF
  *   4. total_size - size <= the bytes of the allocation
- * That rows lie inside their image takes one more for each image, and for each LRZ buffer alike:
+ * That the rows of an image lie inside it takes two more (for a SurfaceMetadata with the actual
+ * height and width), that those of an LRZ buffer do the first of them alike:
  *   (uint64_t)image_pitch * image_height <= image_size
+ *   (uint64_t)image_element_size * image_width <= image_pitch
+ *
  * Then level by level:
  *   size is 1 to total_size                   "Metadata level size is invalid value"
  *   slices is 1 to 2048                       "Metadata level slices is invalid value"

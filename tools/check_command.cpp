@@ -7,6 +7,7 @@
 #include <cstring>
 
 #include <korvel_utils.h>
+#include "tools/acceptance_limits.h"
 #include "tools/bad_input.h"
 #include "tools/exit_codes.h"
 #include "tools/library_messages.h"
@@ -63,13 +64,6 @@ void check_length(std::span<const unsigned char> record) {
   }
 }
 
-// The record at the start of as many bytes as the longest one has.
-std::vector<unsigned char> whole_record(std::span<const unsigned char> stored) {
-  std::vector<unsigned char> record(stored.begin(), stored.end());
-  record.resize(std::max<std::size_t>(record.size(), KORVEL_LAYOUT_BYTES_VERSION_3));
-  return record;
-}
-
 std::span<const unsigned char> resource_record(const StoredFile& file) {
   if (file.is_blob()) check_magic(file.header());
   const std::optional<std::size_t> offset = file.record_offset();
@@ -82,13 +76,35 @@ std::span<const unsigned char> resource_record(const StoredFile& file) {
   return record;
 }
 
-uint32_t validate(const StoredFile& file, const Uuid& device) {
-  const Uuid driver = driver_uuid();
+// A copy of the record; what its file does not hold of it is 0.
+template <typename Record>
+Record copy_of(std::span<const unsigned char> stored) {
+  Record record{};
+  std::memcpy(&record, stored.data(), std::min(stored.size(), sizeof record));
+  return record;
+}
+
+using Validator = uint32_t(KORVEL_CALL*)(const void* record, const uint8_t* device_uuid,
+                                         const uint8_t* driver_uuid);
+
+struct Verdict {
+  uint32_t result;                  // the validator's
+  std::vector<std::string> limits;  // of its acceptance
+};
+
+template <typename Record>
+Verdict judge(const Record& record, const Uuid& device, Validator validate) {
+  const uint32_t result = validate(&record, device.data(), driver_uuid().data());
+  if (result != KORVEL_SUCCESS) return {result, {}};
+  return {result, limits_of_acceptance(record)};
+}
+
+Verdict judge(const StoredFile& file, const Uuid& device) {
   if (file.kind() == RecordKind::surface) {
-    return validate_surface_metadata(file.bytes().data(), device.data(), driver.data());
+    return judge(copy_of<SurfaceMetadata>(file.bytes()), device, validate_surface_metadata);
   }
-  const std::vector<unsigned char> record = whole_record(resource_record(file));
-  return validate_resource_memory_layout_metadata(record.data(), device.data(), driver.data());
+  return judge(copy_of<MemoryLayout>(resource_record(file)), device,
+               validate_resource_memory_layout_metadata);
 }
 
 std::string reason_of(const std::vector<LibraryMessage>& messages) {
@@ -100,14 +116,15 @@ std::string reason_of(const std::vector<LibraryMessage>& messages) {
 int check(const CheckOptions& options) {
   const SimulatedChip chip = simulate_chip(options.chip);
   const StoredFile file(options.file, options.kind);
-  const uint32_t result = validate(file, device_uuid(chip.row));
+  const Verdict verdict = judge(file, device_uuid(chip.row));
   if (file.is_blob()) warn_of_header(file.header());
   if (!chip.has_row) {
     print_warning(fmt::format("chip 0x{:08X} has no row: its device UUID is that of unknown chips",
                               chip.chip_id));
   }
   const char* const kind = file.kind() == RecordKind::surface ? "surface" : "resource";
-  if (result == KORVEL_SUCCESS) {
+  for (const std::string& limit : verdict.limits) print_warning(limit);
+  if (verdict.result == KORVEL_SUCCESS) {
     print_data(fmt::format("valid {} record for chip 0x{:08X}\n", kind, chip.chip_id));
     return kExitDone;
   }

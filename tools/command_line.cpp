@@ -94,6 +94,8 @@ CLI::App* add_check(CLI::App& program, CheckOptions& options) {
   command->add_option("--chip", options.chip, "Chip that the record must be made for")
       ->required()
       ->type_name("ID");
+  command->footer(
+      "Warnings beside a valid record tell what of it does not lie inside its surface or buffer.");
   return command;
 }
 
