@@ -1,12 +1,12 @@
-# Sourced by the other scripts behind arguments.sh: installs the Debian packages that a step needs and does not find, and runs commands
-# that speak only when they fail.
+# Sourced by the other scripts, behind arguments.sh: installs the Debian packages that a step needs and does not find,
+# and runs commands that speak only when they fail.
 
 build_packages=(g++ cmake ninja-build libcli11-dev libfmt-dev nlohmann-json3-dev)
 test_packages=(clang libclang-rt-14-dev clang-format clang-tidy libgtest-dev libgmock-dev
-               libbenchmark-dev libcapstone-dev binutils pkg-config)
+               libbenchmark-dev libcapstone-dev binutils pkg-config python3)
 windows_packages=(clang-19 lld-19 llvm-19 libc++-19-dev mingw-w64-common)
 arm64_packages=(g++-aarch64-linux-gnu qemu-user googletest)
-bench_packages=(libbenchmark-dev libgtest-dev libgmock-dev libcapstone-dev valgrind)
+bench_packages=(libbenchmark-dev libgtest-dev libgmock-dev libcapstone-dev python3 valgrind)
 
 install_packages() {
   local installed missing=() package

@@ -6,6 +6,18 @@ from cpp_tokens import tokens_of
 
 
 @dataclass(frozen=True)
+class Place:
+    """Which part of a line is changed, and of a table's number, which number of which table. White
+    space counts as one space."""
+
+    head: str  # of the line, in front of what is changed
+    old: str  # what is changed, "" where something is put in
+    tail: str  # of the line, behind it
+    table: str = ""  # the array that a number stands in
+    number: int = 0  # counted from 1 in the table's row, in all braces of it
+
+
+@dataclass(frozen=True)
 class Change:
     file: str  # below the root of the tree
     line: int
@@ -15,6 +27,7 @@ class Change:
     kind: str
     before: str  # the line as it stands
     after: str  # the line as it becomes
+    place: "Place"
 
     def apply(self, text):
         changed = text[: self.start] + self.new + text[self.end :]
@@ -42,6 +55,10 @@ _NO_STATEMENT = {
 _ASSIGNMENTS = {"=", "+=", "-=", "*=", "/=", "%=", "&=", "|=", "^=", "<<=", ">>="}
 
 
+def tidy(text):
+    return " ".join(text.split())
+
+
 def changes_of(file, text):
     """All changes of one source, in the order of the source."""
     found = []
@@ -50,13 +67,17 @@ def changes_of(file, text):
         # Declarations and records are the compiler's to check; the constants are data.
         tokens = [t for t in tokens if t.in_define]
 
+    numbers = _table_numbers(tokens)
+
     def add(start, end, new, kind):
         first = text.rfind("\n", 0, start) + 1
         last = text.find("\n", end)
-        before = " ".join(text[first:last].split())
-        after = " ".join((text[first:start] + new + text[end:last]).split())
+        head, old, tail = text[first:start], text[start:end], text[end:last]
+        in_table = numbers.get(start, ("", 0)) if kind == "table" else ("", 0)
+        place = Place(tidy(head), tidy(old), tidy(tail), *in_table)
         line = text.count("\n", 0, start) + 1
-        found.append(Change(file, line, start, end, new, kind, before, after))
+        before, after = tidy(head + old + tail), tidy(head + new + tail)
+        found.append(Change(file, line, start, end, new, kind, before, after, place))
 
     for i, token in enumerate(tokens):
         _change_token(tokens, i, token, add)
@@ -65,6 +86,24 @@ def changes_of(file, text):
         _delete_statements(text, tokens, add)
         _delete_entries(text, tokens, add)
     return sorted(set(found), key=lambda c: (c.start, c.end, c.new))
+
+
+def _table_numbers(tokens):
+    """By where it starts, of each number in an array of rows: the array's name, and the how manieth
+    of its row the number is. A row is what stands in braces inside the array's own."""
+    found = {}
+    for i, token in enumerate(tokens):
+        if [t.text for t in tokens[i - 2 : i + 1]] != ["]", "=", "{"] or tokens[i - 2].match < 1:
+            continue
+        name = tokens[tokens[i - 2].match - 1].text
+        row_end = number = 0
+        for k in range(i + 1, token.match):
+            if k >= row_end and tokens[k].text == "{":
+                row_end, number = tokens[k].match, 0
+            if k < row_end and tokens[k].kind == "number":
+                number += 1
+                found[tokens[k].start] = (name, number)
+    return found
 
 
 def _change_token(tokens, i, token, add):

@@ -63,8 +63,8 @@ class LookupsProgram:
         return self.build.folder / "objects" / f"lookups-{int(changed)}-{source.stem}.o"
 
     def _link(self, objects):
-        libraries = f"-L{self.build.lib} -Wl,-rpath,{self.build.lib} -lhxluser -lgmock"
-        libraries += " -lgtest_main -lgtest -lpthread"
+        libraries = f"-L{self.build.lib} -Wl,-rpath,{self.build.lib} -lreference -lhxluser"
+        libraries += " -lgmock -lgtest_main -lgtest -lpthread"
         done = subprocess.run(
             ["g++", *map(str, objects), "-o", str(self.program), *libraries.split()],
             capture_output=True, text=True,

@@ -1,7 +1,6 @@
 """Changes the library one place at a time and reports the changes that no test notices."""
 
 import argparse
-import json
 import os
 import random
 import sys
@@ -12,7 +11,7 @@ from itertools import zip_longest
 from pathlib import Path
 
 from changes import changes_of
-from equivalents import Equivalents
+from equivalents import Equivalents, WrongList
 from library_build import LibraryBuild, Refused
 from lookups_program import LookupsProgram
 from test_programs import TestPrograms
@@ -21,7 +20,7 @@ ROOT = Path(__file__).resolve().parents[2]
 # Assertions and declarations: nothing of these files reaches the library's code.
 NOT_CHANGED = {"identify/hardware_data_checks.cpp", "layout/record_layout.cpp"}
 TABLE_KINDS = {"table", "entry"}
-OUTCOMES = ["killed", "refused", "same code", "equivalent", "survived"]
+OUTCOMES = ["killed", "refused", "same code", "equivalent", "survived", "misjudged"]
 
 
 def possible_changes(build):
@@ -59,11 +58,10 @@ def evenly(changes, count, pick):
 
 
 class Worker:
-    def __init__(self, number, arguments, equivalents):
+    def __init__(self, number, arguments):
         self.build = LibraryBuild(ROOT, arguments.work / f"worker{number}", arguments.build)
         self.programs = TestPrograms(arguments.build / "bin", self.build.library)
         self.lookups = LookupsProgram(self.build)
-        self.equivalents = equivalents
 
     def start(self):
         """Every test must pass on the library as it stands, and fail without a library."""
@@ -71,12 +69,12 @@ class Worker:
         for program in programs:
             if self.programs.passes(program):
                 sys.exit(f"mutate: {program} passes without a library")
-        self.build.link({})
-        self.lookups.start()
         self.must_pass()
 
     def must_pass(self):
         """On the library as it stands: else its tests would notice every change."""
+        self.build.link({})
+        self.lookups.start()
         failed = self.programs.first_failure(self.programs.quick + self.programs.slow)
         if not failed and not self.programs.passes("lookups_test", self.lookups.program):
             failed = "lookups_test"
@@ -118,11 +116,7 @@ class Worker:
             return "refused", "compiler: lookups_test"
         if rebuilt and not self.programs.passes("lookups_test", self.lookups.program):
             return "killed", "lookups_test"
-        if same_code:
-            return "same code", ""
-        if self.equivalents.reason(change):
-            return "equivalent", ""
-        return "survived", ""
+        return ("same code" if same_code else "survived"), ""
 
     def _same_code(self, changed):
         return all(
@@ -131,9 +125,18 @@ class Worker:
         )
 
 
+def judged_equivalent(outcome, by):
+    """What became of a change that is listed as one that changes nothing."""
+    if outcome == "survived":
+        return "equivalent", ""
+    if outcome in ("killed", "refused"):
+        return "misjudged", f"{outcome}: {by}"
+    return outcome, by
+
+
 class Run:
-    def __init__(self, arguments):
-        self.arguments = arguments
+    def __init__(self, arguments, equivalents):
+        self.arguments, self.equivalents = arguments, equivalents
         self.lock = threading.Lock()
         self.results = []
         self.error = None
@@ -155,13 +158,15 @@ class Run:
             worker.build.prepare(file, len(changes))
             for change in changes:
                 outcome, by = worker.outcome(change)
+                if self.equivalents.reason(change):
+                    outcome, by = judged_equivalent(outcome, by)
                 with self.lock:
                     self.results.append((change, outcome, by))
                     self._tell(change, outcome, by)
 
     def _tell(self, change, outcome, by):
-        if outcome == "survived":
-            print(f"survived  {change.describe()}", flush=True)
+        if outcome in ("survived", "misjudged"):
+            print(f"{outcome}  {change.describe()}  {by}".rstrip(), flush=True)
         if self.arguments.log:
             with open(self.arguments.log, "a") as log:
                 spent = time.monotonic() - self.started
@@ -213,16 +218,17 @@ def main():
     arguments = parser.parse_args()
     arguments.build, arguments.work = arguments.build.resolve(), arguments.work.resolve()
 
-    equivalents = Equivalents(Path(__file__).with_name("equivalents.txt"))
-    workers = [Worker(n, arguments, equivalents) for n in range(arguments.jobs)]
+    workers = [Worker(n, arguments) for n in range(arguments.jobs)]
     every = possible_changes(workers[0].build)
-    stale = equivalents.stale(every)
-    if stale:
-        sys.exit("mutate: equivalents.txt names what is not there:\n" + "\n".join(stale))
+    listed = Path(__file__).with_name("equivalents.txt")
+    try:
+        equivalents = Equivalents.of(listed.read_text(), every)
+    except WrongList as wrong:
+        sys.exit(f"mutate: {listed.name}: {wrong}")
     by_file, everything = chosen_changes(arguments, every)
     for worker in workers:
         worker.start()
-    run = Run(arguments)
+    run = Run(arguments, equivalents)
     files = batches(by_file)
     threads = [threading.Thread(target=run.work, args=(w, files)) for w in workers]
     for thread in threads:
@@ -232,9 +238,11 @@ def main():
     if run.error:
         sys.exit(f"mutate: {run.error!r}")
     for worker in workers:
-        worker.build.link({})
         worker.must_pass()
     rate = report(run.results, everything, time.monotonic() - run.started)
+    misjudged = sum(outcome == "misjudged" for _, outcome, _ in run.results)
+    if misjudged:
+        sys.exit(f"mutate: {misjudged} changes that equivalents.txt lists are noticed")
     sys.exit(1 if rate < arguments.least or not run.results else 0)
 
 

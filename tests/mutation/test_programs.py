@@ -8,6 +8,7 @@ import time
 QUICK = [
     "formats_test",
     "identify_test",
+    "empty_uuid_text_test",
     "align_test",
     "layout_test",
     "validation_test",
