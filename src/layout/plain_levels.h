@@ -116,6 +116,7 @@ bool levels_pass(const unsigned char* record, const CheckedHeader& header) {
   const unsigned char* level_at = stored_level<Kind>(record, 0);
   // All plain levels are tiled alike.
   const auto tiled = KORVEL_STORED(level_at, Level, tiled);
+  const LevelBefore plain_before = {.tiled = tiled, .lrz_valid = 0};
   uint32_t level_tiled = tiled;
   for (uint32_t number = 0;;) {
     // Says nothing, but that the address is to be used as it is: else clang addresses from the
@@ -123,7 +124,7 @@ bool levels_pass(const unsigned char* record, const CheckedHeader& header) {
     asm("" : "+r"(level_at));
     const StoredLevel level = stored_level_words<Kind>(level_at, level_tiled);
     if (level_tiled != tiled || tiled > 1 || !level_is_plain(level, total_size)) {
-      return passes_from_level<Kind>(level_at, number, copied(level), {tiled, 0}, header);
+      return passes_from_level<Kind>(level_at, number, copied(level), plain_before, header);
     }
     bool passes = false;
     // A copy for levels of one slice, whose buffers need no products: a fifth less.
@@ -134,7 +135,7 @@ bool levels_pass(const unsigned char* record, const CheckedHeader& header) {
       const PlainLevel plain = {level_at, number, level.slices, tiled, level.planes};
       if (ends_at_planes<Kind>(plain, surface_size, header, passes)) return passes;
     } else {
-      return passes_from_level<Kind>(level_at, number, copied(level), {tiled, 0}, header);
+      return passes_from_level<Kind>(level_at, number, copied(level), plain_before, header);
     }
     if (++number == levels) return true;
     level_at += sizeof(Level);

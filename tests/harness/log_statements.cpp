@@ -173,6 +173,7 @@ class LogStatements {
     std::multimap<std::string, std::string> formats_of_constant;
     for (const Statement& statement : statements_) {
       for (const std::string& text : statement.texts) {
+        if (text.empty()) continue;  // no message
         if (statement.constant.empty()) {
           by_format_.emplace(text, &statement);
         } else {

@@ -14,7 +14,7 @@ QUICK = [
     "validation_test",
     "digest_test",
 ]
-SLOW = ["reference_test"]
+SLOW = ["reference_test", "fetches_test"]
 # Variables that would choose other tests, or give them another GPU.
 _OUTSIDE = ("GTEST_", "HXL_SIM_", "KORVEL_")
 
