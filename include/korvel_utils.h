@@ -606,7 +606,9 @@ KORVEL_API uint32_t KORVEL_CALL korvel_get_metadata_blob_size(void);
  * The bytes that the GPU allocation of a laid-out surface must have.
  *
  * @param blob  a filled LayoutMetadata of any alignment, or null. Only its record_offset and the
- *              record's total_size and size are read, once each, and none of them is checked.
+ *              record's total_size and size are read, once each, and none of them is checked: 48
+ *              bytes must be readable at blob + record_offset. Of a blob that comes from elsewhere
+ *              hold record_offset against its length first.
  * @return bytes: total_size - size; 0 for null.
  */
 KORVEL_API uint64_t KORVEL_CALL korvel_get_aligned_gpu_buffer_size(const void* blob);
@@ -703,9 +705,9 @@ KORVEL_API void KORVEL_CALL korvel_init_single_level_surface(MemoryLayout* recor
  *                without flag buffers the flag_size of every level is read as well, once, and
  *                counted: zero the record first.
  * @param width   texels, rounded up to a multiple of 64 first; then 2^31 and more counts as 1, and
- *                so does 0.
- * @param height  texels; 0, and 2^31 and more, counts as 1, although a flag buffer takes exactly 2^31 as it
- *                is.
+ *                so does 0, although a flag buffer takes exactly 2^31 as it is.
+ * @param height  texels; 0, and 2^31 and more, counts as 1, although a flag buffer takes exactly
+ *                2^31 as it is.
  *
  * Other arguments, messages and what is left unwritten as for korvel_init_single_level_surface().
  * With planes 0 a level's slices, tiled, size and planes stay as they were. A linear surface of one
@@ -732,16 +734,17 @@ KORVEL_API void KORVEL_CALL korvel_init_multi_level_surface(MemoryLayout* record
  * exactly one message. The rules follow in their order, each with the words its message begins
  * with. UUIDs in messages are printed as uuid_to_str() prints them.
  *
- * A record may lie in memory that others change while it is read. Each word is read once and used as
- * the value that was checked, so that a verdict holds for the words that were seen, whatever stands
- * there afterwards. (Words that no check needs may be read or not.) A caller who uses the
- * record afterwards copies it first, `length` bytes of it being there, and validates and uses the
- * copy:
+ * A record may lie in memory that others change while it is read. No word is read again after a
+ * check relied on it: each is read once and used as the value that was checked, so that a verdict
+ * holds for the words that were seen, whatever stands there afterwards. A caller who uses the record
+ * afterwards copies it first, `length` bytes of it being there, and validates and uses the copy. Of
+ * the copy, the words from copy.size on are not the record's.
  *
  *   MemoryLayout copy = {0};
- *   if (length < KORVEL_LAYOUT_BYTES_VERSION_1) return refused;
+ *   if (length < KORVEL_LAYOUT_BYTES_VERSION_1) return 0;
  *   memcpy(&copy, shared, length < sizeof copy ? length : sizeof copy);
- *   if (validate_resource_memory_layout_metadata(&copy, device, driver) == KORVEL_SUCCESS) ...
+ *   if (validate_resource_memory_layout_metadata(&copy, device, driver) != KORVEL_SUCCESS) return 0;
+ *   if (copy.size > length) return 0;
  *
  * MemoryLayout, under the name validate_resource_memory_layout_metadata:
  *   signature is KORVEL_LAYOUT_SIGNATURE      "Metadata has bad signature"
@@ -766,10 +769,10 @@ KORVEL_API void KORVEL_CALL korvel_init_multi_level_surface(MemoryLayout* record
  *   alignment and all that follow             as for a MemoryLayout
  *
  * Bytes of the surface are total_size - size, 64 bits for a SurfaceMetadata. For a MemoryLayout
- * they are the low 32 bits of that difference, sign-extended. A buffer ends at offset + (slices - 1)
- * x slice pitch + size, a fast-clear buffer, which serves all slices, at offset + size; an end that
- * does not fit 64 bits is out of bounds. The products of pitches, widths and heights wrap at 32
- * bits.
+ * they are the low 32 bits of that difference, sign-extended. A buffer ends at
+ * offset + (slices - 1) x slice pitch + size, a fast-clear buffer, which serves all slices, at
+ * offset + size; an end that does not fit 64 bits is out of bounds. The products of pitches, widths
+ * and heights wrap at 32 bits.
  *
  * What these rules let pass is a fixed property of the formats:
  *   - A total_size below the record's own size makes the bytes of the surface wrap to a number near
@@ -777,19 +780,22 @@ KORVEL_API void KORVEL_CALL korvel_init_multi_level_surface(MemoryLayout* record
  *   - So do they for a MemoryLayout whose surface has bit 31 of its bytes set: 2^31 to 2^32 - 1
  *     bytes and each 2^32 more. Else the bound is what is left of the bytes modulo 2^32.
  *   - A product that wraps is small: an image of 65536 rows with a pitch of 65536 bytes passes with
- *     a size of 4096 bytes, and so does a row of 65536 elements of 65536 bytes with a pitch of 4096.
+ *     a size of 4096 bytes, and a row of 65536 elements of 65536 bytes with a pitch of 4096.
  *   - A level's size may exceed the surface by the record's size, and the extra buffer of a
  *     MemoryLayout is not looked at.
+ *   - Buffers may overlap, of one level and of several. Nothing is held against format or samples;
+ *     offsets need not be aligned; the rows of a flag buffer are not counted; linear_fallback is any
+ *     number, and so are the allocated width and height of a SurfacePlane but for 0.
  *
  * "Accepted" means that every image, flag, LRZ and fast-clear buffer of the record's levels and
  * planes ends inside the surface's allocation, in exact arithmetic, when four conditions hold:
- *   1. size is 5472, 5504 or 5512 for a MemoryLayout, 5300 for a SurfaceMetadata; an accepted record
- *      has the one of its version
+ *   1. size is 5472, 5504 or 5512 for a MemoryLayout, 5300 for a SurfaceMetadata; accepted records
+ *      have it
  *   2. total_size >= size
  *   3. for a MemoryLayout: total_size - size <= 0x7FFFFFFF
  *   4. total_size - size <= the bytes of the allocation
- * That the rows of an image lie inside it takes two more (for a SurfaceMetadata with the actual
- * height and width), that those of an LRZ buffer do the first of them alike:
+ * For the rows of an image to lie inside it, two more must hold, of a SurfaceMetadata with the actual
+ * height and width; for those of an LRZ buffer the first one, with its own words:
  *   (uint64_t)image_pitch * image_height <= image_size
  *   (uint64_t)image_element_size * image_width <= image_pitch
  *

@@ -3,8 +3,8 @@
 
 script=scripts/$(basename "$0")
 
-# What would make the script's programs test another library, another GPU, other tests or none, have sanitizers
-# overlook what they find, or what counts and measures do so differently.
+# Variables that would make the script's programs test another library, another GPU, other tests or none, that would
+# make sanitizers overlook what they find, or change what is counted and measured.
 unset KORVEL_UTILS_LIBRARY "${!HXL_SIM_@}" "${!GTEST_@}" ASAN_OPTIONS LSAN_OPTIONS TSAN_OPTIONS UBSAN_OPTIONS \
   VALGRIND_OPTS "${!QEMU_@}" "${!BENCHMARK_@}"
 

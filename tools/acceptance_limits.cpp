@@ -124,11 +124,20 @@ void add_extra_buffer_limits(Sentences& sentences, const MemoryLayout& record) {
   if (record.size < KORVEL_LAYOUT_BYTES_VERSION_2 || record.extra_valid == 0) return;
   const uint64_t surface_bytes = record.total_size - record.size;
   const uint64_t offset = record.extra_offset;
-  if (offset <= surface_bytes && record.extra_size <= surface_bytes - offset) return;
-  sentences.push_back(
-      fmt::format("the extra buffer of {} bytes at offset {} ends outside the {} bytes of the "
-                  "surface: no rule looks at it",
-                  record.extra_size, offset, surface_bytes));
+  if (offset > surface_bytes || record.extra_size > surface_bytes - offset) {
+    sentences.push_back(
+        fmt::format("the extra buffer of {} bytes at offset {} ends outside the {} bytes of the "
+                    "surface: no rule looks at it",
+                    record.extra_size, offset, surface_bytes));
+  }
+  // Accepted records have 1 to 2048 slices.
+  const uint32_t slices = record.level[0].slices;
+  if (record.extra_slice_pitch > record.extra_size / slices) {
+    sentences.push_back(
+        fmt::format("the extra buffer of {} bytes does not hold {} slices of {} bytes: no rule "
+                    "looks at it",
+                    record.extra_size, slices, record.extra_slice_pitch));
+  }
 }
 
 void add_extra_buffer_limits(Sentences&, const SurfaceMetadata&) {}

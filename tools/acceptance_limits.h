@@ -10,9 +10,8 @@
 
 namespace tool {
 
-// A sentence for each thing that does not lie where an accepted record's reader would take it to
-// lie; none when every buffer of every level lies inside the surface and every row inside its
-// buffer.
+// A sentence for each thing of an accepted record that lies outside the surface or its buffer; none
+// when every buffer of every level lies inside the surface and every row inside its buffer.
 std::vector<std::string> limits_of_acceptance(const MemoryLayout& record);
 std::vector<std::string> limits_of_acceptance(const SurfaceMetadata& record);
 

@@ -53,6 +53,14 @@ fuzz::Exact extra_end(const MemoryLayout& record) {
   if (record.size == KORVEL_LAYOUT_BYTES_VERSION_1 || record.extra_valid == 0) return 0;
   return fuzz::Exact{record.extra_offset} + record.extra_size;
 }
+// What the slices of the extra buffer take, and what it has.
+bool extra_slices_fit(const MemoryLayout& record) {
+  if (record.size == KORVEL_LAYOUT_BYTES_VERSION_1 || record.extra_valid == 0) return true;
+  return fuzz::Exact{record.extra_slice_pitch} * record.level[0].slices <= record.extra_size;
+}
+bool extra_slices_fit(const SurfaceMetadata&) {
+  return true;
+}
 fuzz::Exact extra_end(const SurfaceMetadata&) {
   return 0;
 }
@@ -68,6 +76,7 @@ std::size_t warnings_due(const Record& record) {
   const bool wraps = record.total_size < record.size;
   std::size_t due = fuzz::bound_of(record) != surface_bytes ? 1 : 0;
   if (!wraps && extra_end(record) > surface_bytes) ++due;
+  if (!wraps && !extra_slices_fit(record)) ++due;
   for (uint32_t l = 0; l < record.levels; ++l) {
     const auto& level = record.level[l];
     if (!wraps && level.size > surface_bytes) ++due;

@@ -1,7 +1,7 @@
 // The walk of both validators through the levels of a record, quick as long as it meets nothing but
 // plain words. What is plain passes every rule of layout/validate_levels.h; what is not, valid or
-// not, is for those rules to judge. The quick tests keep no number for a message and compare half as
-// often, which saves a third of the rules' instructions on a full record on 64-bit Arm.
+// not, is for those rules to judge. The quick tests keep no number for a message and compare half
+// as often, which saves a third of the rules' instructions on a full record on 64-bit Arm.
 #pragma once
 
 #include <korvel_utils.h>
@@ -46,8 +46,8 @@ constexpr bool flag_buffer_is_plain(const StoredFlagBuffer& flag, uint32_t slice
   return flag.buffer.size <= flag.buffer.slice_pitch;
 }
 
-// What the rules take over, copied word by word: gcc keeps what is copied as a whole in memory, also
-// where nothing is copied, and a full record takes a fifth more.
+// What the rules take over, copied word by word: gcc keeps a struct that is copied as a whole in
+// memory on every path, and a full record takes a fifth more.
 constexpr StoredLevel copied(const StoredLevel& from) {
   return {.size = from.size,
           .slices = from.slices,

@@ -1,5 +1,5 @@
-// A surface to be laid out: what the caller of an initialiser asks for, and what follows from it for
-// every plane and level.
+// A surface to be laid out: what the caller of an initialiser asks for, and what follows from it
+// for every plane and level.
 #pragma once
 
 #include <korvel_utils.h>

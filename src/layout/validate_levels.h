@@ -3,7 +3,8 @@
 //
 // The walk through a record's levels starts in layout/plain_levels.h. Where it meets words that are
 // not plain, it comes here with the words as it has read them, and the rules go through these and
-// all that is left. So no word is read twice.
+// all that is left. So no word is read twice. The rules are never inlined: few records come here,
+// from several places.
 #pragma once
 
 #include <korvel_utils.h>
@@ -58,7 +59,8 @@ inline constexpr const char kImagePitchMismatch<SurfaceMetadataKind>[] =
     "Metadata level image pitch mismatch {level %u, plane %u, image pitch %u, actual width %u, image element size %u}";
 
 template <typename Kind>
-bool image_passes(const StoredImage& image, const LevelPlace& at, uint32_t plane) {
+[[gnu::noinline]] bool image_passes(const StoredImage& image, const LevelPlace& at,
+                                    uint32_t plane) {
   const StoredBuffer& buffer = image.buffer;
   if (exceeds_surface(buffer, at.slices, at.surface_size_bytes)) {
     KORVEL_REFUSE(
@@ -93,8 +95,8 @@ bool image_passes(const StoredImage& image, const LevelPlace& at, uint32_t plane
 
 // Of a plane that says that it has one.
 template <typename Kind>
-bool flag_buffer_passes(const StoredFlagBuffer& flag, const LevelPlace& at, uint32_t plane,
-                        uint32_t tiled) {
+[[gnu::noinline]] bool flag_buffer_passes(const StoredFlagBuffer& flag, const LevelPlace& at,
+                                          uint32_t plane, uint32_t tiled) {
   if (flag.valid != 1) {
     KORVEL_REFUSE("Metadata level flagbuffer valid bit invalid {level %u, plane %u, valid %u}",
                   at.level, plane, flag.valid);
@@ -182,8 +184,9 @@ bool lrz_fast_clear_passes(const StoredBuffer& fast_clear, const LevelPlace& at)
 
 // A level but for its planes.
 template <typename Kind>
-bool level_passes(const unsigned char* level_at, const StoredLevel& level, LevelBefore before,
-                  const CheckedHeader& header, const LevelPlace& at) {
+[[gnu::noinline]] bool level_passes(const unsigned char* level_at, const StoredLevel& level,
+                                    LevelBefore before, const CheckedHeader& header,
+                                    const LevelPlace& at) {
   if (level.size == 0 || level.size > header.total_size) {
     KORVEL_REFUSE("Metadata level size is invalid value {level %u, size %llu, surface size %llu}",
                   at.level, llu(level.size), llu(header.total_size));
@@ -239,8 +242,6 @@ bool plane_has_valid_flags(const unsigned char* plane_at, const LevelPlace& at, 
          flag_buffer_passes<Kind>(stored_flag_buffer<Kind>(plane_at, valid), at, plane, tiled);
 }
 
-// These two stand behind three ways in that few records take: one copy of them is enough.
-
 // The planes of a level from the first one given on.
 template <typename Kind>
 [[gnu::noinline]] bool planes_pass(const unsigned char* level_at, const LevelPlace& at,
@@ -287,8 +288,8 @@ template <typename Kind>
 }
 
 template <typename Kind>
-bool passes_behind_plane(const PlainLevel& level, const LevelPlace& at, uint32_t plane,
-                         const CheckedHeader& header) {
+[[gnu::noinline]] bool passes_behind_plane(const PlainLevel& level, const LevelPlace& at,
+                                           uint32_t plane, const CheckedHeader& header) {
   return planes_pass<Kind>(level.level_at, at, level.tiled, level.planes, plane + 1) &&
          levels_behind_pass<Kind>(level.level_at, level.number,
                                   {.tiled = level.tiled, .lrz_valid = 0}, header);

@@ -17,6 +17,7 @@ namespace {
 
 constexpr uint64_t kSurfaceBytes = 0x100000;
 constexpr uint64_t kTwoTo31 = uint64_t{1} << 31;
+constexpr uint64_t kTwoTo63 = uint64_t{1} << 63;
 const records::Uuids kUuids = records::make_uuids({.family_id = 6, .model_code = 7, .rev_id = 8});
 
 MemoryLayout stored_layout() {
@@ -24,8 +25,9 @@ MemoryLayout stored_layout() {
       {.levels = 2, .slices = 4, .surface_bytes = kSurfaceBytes, .uuids = kUuids});
   record.alignment = 1;
   record.extra_valid = 1;
-  record.extra_offset = kSurfaceBytes - 8224;
-  record.extra_size = 8224;
+  record.extra_offset = kSurfaceBytes - 32896;
+  record.extra_size = 32896;  // 4 slices
+  record.extra_slice_pitch = 8224;
   return record;
 }
 
@@ -90,6 +92,8 @@ TEST(StoredRecords, WhatDoesNotLieInsideIsNotTaken) {
       {"rows", [](MemoryLayout& r) { r.level[1].plane[2].image_height += 1U << 24; }},     // x 256
       {"elements", [](MemoryLayout& r) { r.level[1].plane[2].image_width += 1U << 30; }},  // x 4
       {"the extra buffer's end", [](MemoryLayout& r) { ++r.extra_offset; }},
+      {"the extra buffer's slices", [](MemoryLayout& r) { ++r.extra_slice_pitch; }},
+      {"the extra buffer's slice pitch", [](MemoryLayout& r) { r.extra_slice_pitch = kTwoTo63; }},
       {"the extra buffer's start", [](MemoryLayout& r) { r.extra_offset = UINT64_MAX; }},
   };
   for (const Row& row : rows) {

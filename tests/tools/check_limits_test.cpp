@@ -247,6 +247,23 @@ TEST(CheckLimits, LevelSizesAndTheExtraBuffer) {
            },
            {"the extra buffer of 2 bytes at offset 18446744073709551615 ends outside the 1048576 "
             "bytes of the surface: no rule looks at it"}},
+          {"the slices of the extra buffer that fit",
+           [](R& r) {
+             r.extra_valid = 1;
+             r.level[0].slices = 3;
+             r.extra_size = 3 * 8224;
+             r.extra_slice_pitch = 8224;
+           },
+           {}},
+          {"the slices of the extra buffer that do not",
+           [](R& r) {
+             r.extra_valid = 1;
+             r.level[0].slices = 3;
+             r.extra_size = 3 * 8224 - 1;
+             r.extra_slice_pitch = 8224;
+           },
+           {"the extra buffer of 24671 bytes does not hold 3 slices of 8224 bytes: no rule looks at "
+            "it"}},
           {"no extra buffer", [](R& r) { r.extra_offset = 0xFFFFFFFFFFFFFFFF; }, {}},
       });
   SurfaceMetadata surface = unaligned_surface();
