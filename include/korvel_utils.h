@@ -736,14 +736,14 @@ KORVEL_API void KORVEL_CALL korvel_init_multi_level_surface(MemoryLayout* record
  *
  * A record may lie in memory that others change while it is read. No word is read again after a
  * check relied on it: each is read once and used as the value that was checked, so that a verdict
- * holds for the words that were seen, whatever stands there afterwards. A caller who uses the record
- * afterwards copies it first, `length` bytes of it being there, and validates and uses the copy. Of
- * the copy, the words from copy.size on are not the record's.
+ * holds for the words that were seen, whatever stands there afterwards. A caller who uses the
+ * record afterwards copies it first, `length` bytes of it being there, and validates and uses the
+ * copy. Of the copy, the words from copy.size on are not the record's.
  *
  *   MemoryLayout copy = {0};
  *   if (length < KORVEL_LAYOUT_BYTES_VERSION_1) return 0;
  *   memcpy(&copy, shared, length < sizeof copy ? length : sizeof copy);
- *   if (validate_resource_memory_layout_metadata(&copy, device, driver) != KORVEL_SUCCESS) return 0;
+ *   if (validate_resource_memory_layout_metadata(&copy, device, driver) != 0) return 0;
  *   if (copy.size > length) return 0;
  *
  * MemoryLayout, under the name validate_resource_memory_layout_metadata:
@@ -784,8 +784,8 @@ KORVEL_API void KORVEL_CALL korvel_init_multi_level_surface(MemoryLayout* record
  *   - A level's size may exceed the surface by the record's size, and the extra buffer of a
  *     MemoryLayout is not looked at.
  *   - Buffers may overlap, of one level and of several. Nothing is held against format or samples;
- *     offsets need not be aligned; the rows of a flag buffer are not counted; linear_fallback is any
- *     number, and so are the allocated width and height of a SurfacePlane but for 0.
+ *     offsets need not be aligned; the rows of a flag buffer are not counted; linear_fallback is
+ *     any number, and so are the allocated width and height of a SurfacePlane but for 0.
  *
  * "Accepted" means that every image, flag, LRZ and fast-clear buffer of the record's levels and
  * planes ends inside the surface's allocation, in exact arithmetic, when four conditions hold:
@@ -794,8 +794,8 @@ KORVEL_API void KORVEL_CALL korvel_init_multi_level_surface(MemoryLayout* record
  *   2. total_size >= size
  *   3. for a MemoryLayout: total_size - size <= 0x7FFFFFFF
  *   4. total_size - size <= the bytes of the allocation
- * For the rows of an image to lie inside it, two more must hold, of a SurfaceMetadata with the actual
- * height and width; for those of an LRZ buffer the first one, with its own words:
+ * For the rows of an image to lie inside it, two more must hold, of a SurfaceMetadata with the
+ * actual height and width; for those of an LRZ buffer the first one, with its own words:
  *   (uint64_t)image_pitch * image_height <= image_size
  *   (uint64_t)image_element_size * image_width <= image_pitch
  *
