@@ -37,7 +37,8 @@ constexpr bool image_is_plain(const StoredImage& image, uint32_t slices,
   return !Kind::kHasActualSize || image.width * image.height != 0;
 }
 
-// Of a plane that says that it has one, on a level whose tiled word is 0 or 1.
+// Of a plane that says that it has one, on a level whose tiled word is 0 or 1. Here the quick test
+// is all that the rules ask.
 constexpr bool flag_buffer_is_plain(const StoredFlagBuffer& flag, uint32_t slices, uint32_t tiled,
                                     uint64_t surface_size_bytes) {
   if (flag.valid != tiled) return false;
@@ -88,7 +89,7 @@ inline bool ends_at_plane(const PlainLevel& level, uint32_t plane, uint64_t surf
   if (flag_valid == 0) return false;
   const StoredFlagBuffer flag = stored_flag_buffer<Kind>(plane_at, flag_valid);
   if (!flag_buffer_is_plain(flag, level.slices, level.tiled, surface_size_bytes)) {
-    passes = passes_from_flag_buffer<Kind>(level, plane, copied(flag), header);
+    passes = refuse_flag_buffer<Kind>(level, plane, copied(flag), header);
     return true;
   }
   return false;

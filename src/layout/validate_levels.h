@@ -272,8 +272,7 @@ template <typename Kind>
   return true;
 }
 
-// From here to the end of the record: from a level's own words on, from a plane's image on, from
-// its flag buffer on.
+// From here to the end of the record: from a level's own words on, from a plane's image on.
 
 template <typename Kind>
 [[gnu::cold, gnu::noinline]] bool passes_from_level(const unsigned char* level_at, uint32_t number,
@@ -288,14 +287,6 @@ template <typename Kind>
 }
 
 template <typename Kind>
-[[gnu::noinline]] bool passes_behind_plane(const PlainLevel& level, const LevelPlace& at,
-                                           uint32_t plane, const CheckedHeader& header) {
-  return planes_pass<Kind>(level.level_at, at, level.tiled, level.planes, plane + 1) &&
-         levels_behind_pass<Kind>(level.level_at, level.number,
-                                  {.tiled = level.tiled, .lrz_valid = 0}, header);
-}
-
-template <typename Kind>
 [[gnu::cold, gnu::noinline]] bool passes_from_image(PlainLevel level, uint32_t plane,
                                                     StoredImage image,
                                                     const CheckedHeader& header) {
@@ -304,17 +295,20 @@ template <typename Kind>
   const unsigned char* plane_at = stored_plane<Kind>(level.level_at, plane);
   return image_passes<Kind>(image, at, plane) &&
          plane_has_valid_flags<Kind>(plane_at, at, plane, level.tiled) &&
-         passes_behind_plane<Kind>(level, at, plane, header);
+         planes_pass<Kind>(level.level_at, at, level.tiled, level.planes, plane + 1) &&
+         levels_behind_pass<Kind>(level.level_at, level.number,
+                                  {.tiled = level.tiled, .lrz_valid = 0}, header);
 }
 
+// A flag buffer that is not plain has a rule against it, which gives the message. Returns false.
 template <typename Kind>
-[[gnu::cold, gnu::noinline]] bool passes_from_flag_buffer(PlainLevel level, uint32_t plane,
-                                                          StoredFlagBuffer flag,
-                                                          const CheckedHeader& header) {
+[[gnu::cold, gnu::noinline]] bool refuse_flag_buffer(PlainLevel level, uint32_t plane,
+                                                     StoredFlagBuffer flag,
+                                                     const CheckedHeader& header) {
   const LevelPlace at = {
       .level = level.number, .slices = level.slices, .surface_size_bytes = header.surface_size};
-  return flag_buffer_passes<Kind>(flag, at, plane, level.tiled) &&
-         passes_behind_plane<Kind>(level, at, plane, header);
+  flag_buffer_passes<Kind>(flag, at, plane, level.tiled);
+  return false;
 }
 
 }  // namespace korvel

@@ -20,8 +20,6 @@ namespace korvel {
 struct ReadUuid {
   uint64_t words_0_1;
   uint64_t words_2_3;
-
-  friend constexpr bool operator==(const ReadUuid&, const ReadUuid&) = default;
 };
 
 inline ReadUuid read_uuid(const unsigned char* uuid) {
@@ -54,7 +52,7 @@ struct UuidTexts {
 
 inline bool device_uuid_passes(const char* validator, const ReadUuid& stored,
                                const ReadUuid& callers) {
-  if (stored == callers) return true;
+  if (stored.words_0_1 == callers.words_0_1 && stored.words_2_3 == callers.words_2_3) return true;
   const UuidTexts texts = uuid_texts(stored, callers);
   KORVEL_LOG(validator, "Metadata device version mismatch {store uuid %s, struct uuid %s}",
              texts.stored, texts.callers);

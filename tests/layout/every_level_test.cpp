@@ -135,6 +135,26 @@ TYPED_TEST(EveryLevel, HasEveryPlaneChecked) {
   }
 }
 
+// An image whose rows take 2^32 bytes passes, for the product wraps to 0; what stands behind it in
+// the record is looked at all the same.
+TYPED_TEST(EveryLevel, IsCheckedBehindAnImageWhoseProductWraps) {
+  using Kind = TypeParam;
+  for (uint32_t plane = 0; plane < kPlanes; ++plane) {
+    auto record = records::valid_record<Kind>({.levels = kLevels, .lrz = false, .uuids = kUuids});
+    auto& image = record.level[3].plane[plane];
+    image.image_pitch = 0x10000;
+    image.image_height = 0x10000;
+    if constexpr (std::is_same_v<Kind, SurfaceKind>) image.actual_height = 0x10000;
+    EXPECT_EQ(verdict<Kind>(this->gpu_, record), "");
+    image.flag_valid = 2;
+    this->expect_verdict(record, "Metadata level flagbuffer valid bit invalid {level 3, plane " +
+                                     std::to_string(plane) + ",");
+    image.flag_valid = 0;
+    record.level[7].slices = 0;
+    this->expect_verdict(record, "Metadata level slices is invalid value {level 7,");
+  }
+}
+
 TYPED_TEST(EveryLevel, HasNoFlagBufferWhereItIsLinear) {
   using Kind = TypeParam;
   using Level = typename Kind::Level;
