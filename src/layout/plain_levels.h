@@ -95,7 +95,7 @@ inline bool ends_at_plane(const PlainLevel& level, uint32_t plane, uint64_t surf
   return false;
 }
 
-// The same of the planes of a level. Without a loop, which would cost a twelfth more: each plane
+// The same of the planes of a level. Without a loop, which would cost a tenth more: each plane
 // stands at a constant place.
 template <typename Kind>
 inline bool ends_at_planes(const PlainLevel& level, uint64_t surface_size_bytes,
