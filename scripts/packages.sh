@@ -6,6 +6,7 @@ test_packages=(clang libclang-rt-14-dev clang-format clang-tidy libgtest-dev lib
                libbenchmark-dev libcapstone-dev binutils pkg-config python3)
 windows_packages=(clang-19 lld-19 llvm-19 libc++-19-dev mingw-w64-common)
 arm64_packages=(g++-aarch64-linux-gnu qemu-user googletest)
+proof_packages=(python3-z3 cvc5)
 bench_packages=(libbenchmark-dev libgtest-dev libgmock-dev libcapstone-dev python3 valgrind)
 
 install_packages() {
