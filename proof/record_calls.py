@@ -1,5 +1,5 @@
-"""Counterexamples to theorems about validators, as records: a record whose levels in front are plain
-and whose level in question has the words that the solver found."""
+"""Counterexamples to theorems about validators, as records: the level in question has the words that
+the solver found, all others are plain."""
 
 import re
 import struct
@@ -17,10 +17,12 @@ DRIVER = struct.pack("<4I", 4, 1, 3, 0)
 
 def realistic(kind, path, terms_):
     """What holds of the unknowns of a round in a record that can be written down: the bounds are those
-    of one header, as many levels as are looked at, and products are products."""
+    of one header, the level before was tiled or not, and products are products."""
     total, surface = z3.BitVec("header.total_size", 64), z3.BitVec("header.surface_size", 64)
     size = z3.BitVecVal(kind.bytes, 64)
-    held = [z3.BitVec("header.levels", 32) == path.level + 1, total != 0]
+    levels = z3.BitVec("header.levels", 32)
+    held = [z3.UGT(levels, path.level), z3.ULE(levels, LEVELS), total != 0,
+            z3.ULE(z3.Extract(31, 0, z3.BitVec("before", 64)), 1)]
     if kind is LAYOUT:
         low = z3.Extract(31, 0, total - size)
         held.append(surface == z3.SignExt(32, low))
@@ -68,16 +70,20 @@ def a_record(kind, path, values):
               "alignment": 1, "format": 28, "samples": 1, "guid": 1,
               "total_size": values.get("header.total_size", kind.bytes + 4096),
               "linear_fallback": values.get("header.linear_fallback", 0),
-              "levels": path.level + 1}
+              "levels": values.get("header.levels", path.level + 1)}
     for name, value in header.items():
         if name in kind.header:
             put((), name, value)
     for name, uuid in (("device_uuid_0_1", DEVICE), ("driver_uuid_0_1", DRIVER)):
         record[kind.header[name][0]:kind.header[name][0] + 16] = uuid
-    before = values.get("before", 0)
-    tiled = values.get("chain.tiled", before & 1)
-    for level in range(path.level):
-        plain = {"slices": 1, "tiled": tiled, "size": 1, "planes": 1}
+    before, own = values.get("before", 0), values.get("level.tiled", 0)
+    has_lrz = values.get("level.lrz_valid", 0)
+    for level in range(min(header["levels"], LEVELS)):
+        tiled = values.get("chain.tiled", before & 1) if level < path.level else own
+        plain = {"slices": 1, "tiled": tiled, "size": 1, "planes": 1, "lrz_valid": has_lrz,
+                 "lrz_fc_valid": has_lrz}
+        plain.update({f"lrz_{name}": has_lrz
+                      for name in ("size", "slice_pitch", "pitch", "width", "height")})
         image = {"image_size": 1, "image_pitch": 1, "image_slice_pitch": 1, "image_element_size": 1,
                  "image_width": 1, "image_height": 1, "actual_width": 1, "actual_height": 1}
         for name, value in plain.items():

@@ -2,8 +2,8 @@
 the levels for every level that a record can have.
 
 A round is run from a state that every round of that level starts in: the words of the level, the
-bounds and the chain's state (how the level before it was tiled, whether it had low-resolution depth)
-are unknown. What comes to the start of the next round is held against the state that the next round
+bounds and the chain's state (how the level before it was tiled, whether it had low-resolution depth:
+0 or 1 each) are unknown. What comes to the start of the next round is held against the state that the next round
 is run from. So the rounds make up the whole walk, whatever the record.
 """
 
@@ -200,6 +200,9 @@ class _Rounds:
             if self.name == "walk":  # it goes on behind tiled words of 0 and 1 alone
                 state.conditions.append(z3.ULE(z3.BitVec("chain.tiled", 32), 1))
             state.known = {c.get_id(): True for c in state.conditions}
+        if self.name == "rules":
+            for condition in chain_conditions(z3.BitVec("before", 64)):
+                state.assume(condition)
         state.assume(z3.UGT(self.header.levels, level))
         return state
 
@@ -208,6 +211,13 @@ class _Rounds:
         if self.name == "walk" and isinstance(value, z3.ExprRef):
             return z3.substitute(value, (z3.BitVec("level.tiled", 32), z3.BitVec("chain.tiled", 32)))
         return value
+
+    def behind_it(self, value):
+        """What the state of the chain is behind the level that a round has looked at."""
+        if self.name == "walk":
+            return value
+        words = [z3.BitVec(f"level.{name}", 32) for name in ("lrz_valid", "tiled")]
+        return z3.simplify(z3.substitute(value, (z3.BitVec("before", 64), z3.Concat(*words))))
 
     # ---- a round
 
@@ -270,6 +280,10 @@ class _Rounds:
                 require("the next level's address", value == wanted, place)
             elif steps[phi] is not None:
                 require("the next level's number", value == wanted, place)
+            elif self.name == "rules":  # the next level's state of the chain are this one's words
+                self.proof.show("the state of the chain", state.conditions,
+                                terms.compare("eq", value, self.behind_it(wanted), wanted.size()),
+                                place)
         for number, value in expected.frame.values.items():
             if number not in phis and isinstance(value, (int, bool, Address, z3.ExprRef)):
                 stayed = state.frame.values[number]
@@ -281,7 +295,8 @@ class _Rounds:
                     require("what stays through the rounds", number in self.made_in_loop(), place)
         if expected is not None:
             for condition in expected.conditions:
-                if level == first:  # level 0 is the one that the chain is tiled like
+                condition = self.behind_it(condition)
+                if level == first and self.name == "walk":  # level 0 is the one that the chain is tiled like
                     condition = z3.substitute(condition, (z3.BitVec("chain.tiled", 32),
                                                           z3.BitVec("level.tiled", 32)))
                 self.proof.show("what a round relies on", state.conditions, condition, place)
@@ -302,7 +317,8 @@ class _Rounds:
         require("the level's number", number == level, place)
         require("the checked header", header.region.name == "the checked header" and
                 header.offset == 0 and not state.memory.cells(header.region), place)
-        state.notes["before"] = before
+        for condition in chain_conditions(before):
+            self.proof.show("the state of the chain", state.conditions, condition, place)
 
     def take_outcome(self, outcome, level, part):
         value = outcome.value
@@ -358,10 +374,16 @@ def what_was_done(path):
             len(state.stores))
 
 
-def tiled_before():
+def tiled_before(before=z3.BitVec("before", 64)):
     """Of the state of the chain that a round of the rules starts with."""
-    return z3.Extract(31, 0, z3.BitVec("before", 64))
+    return z3.Extract(31, 0, before)
 
 
-def lrz_before():
-    return z3.Extract(63, 32, z3.BitVec("before", 64))
+def lrz_before(before=z3.BitVec("before", 64)):
+    return z3.Extract(63, 32, before)
+
+
+def chain_conditions(before):
+    """Of a level that has passed: its words are 0 or 1."""
+    before = terms.vector(before, 64)
+    return [z3.ULE(tiled_before(before), 1), z3.ULE(lrz_before(before), 1)]
