@@ -10,7 +10,7 @@ _INT = ctypes.c_int
 
 
 def _load():
-    for name in ("/usr/lib/llvm-19/lib/libLLVM-19.so", "libLLVM-19.so.1", "libLLVM-19.so"):
+    for name in ("libLLVM.so.19.1", "libLLVM-19.so"):
         try:
             return ctypes.CDLL(name)
         except OSError:
