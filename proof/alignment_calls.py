@@ -13,7 +13,7 @@ import setting
 from counterexample import Call
 from executor import terms
 from executor.memory import NULL, Address, Memory
-from format_classes import OTHER_PLANE, PLANE, classes, joined_classes
+from format_classes import OTHER_PLANE, joined_classes
 
 import alignment as rules
 import chips

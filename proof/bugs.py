@@ -60,8 +60,9 @@ def try_bug(name, patch, work):
         done = subprocess.run(["scripts/prove", *how, theorem_of(patch)], cwd=place,
                               env=environment, capture_output=True, text=True, check=False)
         said = done.stdout + done.stderr
-        # Not an error of any kind: the theorem was run, and is not proved.
-        found = done.returncode == 1 and "NOT PROVED" in said
+        # Not an error of any kind, nor a solver or an executor that gives up: something does not hold.
+        found = (done.returncode == 1 and "NOT PROVED" in said and
+                 re.search(r"^ +(counterexample|it does not hold)", said, re.M) is not None)
         if found:
             break
     shutil.rmtree(place)

@@ -79,7 +79,8 @@ def confirm(call, library):
     if call.wrong is None:
         return told
     wrong = call.wrong(answer["result"], buffers)
-    return f"{told}: {wrong}" if wrong else f"{told}, and is right: the fault is in the proof's way"
+    return (f"{told}: {wrong}" if wrong else
+            f"{told}, which alone is not wrong; its messages and accesses are not looked at here")
 
 
 def _run(request):

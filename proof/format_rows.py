@@ -13,7 +13,6 @@ import z3
 
 from executor import terms
 from executor.machine import Cases
-from executor.memory import Address
 
 TABLE, UBWC_GROUPS = "_ZN6korvel13kFormatTraitsE", "_ZN6korvel12kUbwcGroupOfE"
 ROW_BYTES, FORMATS, WITHOUT_RECORD, ROW_OF_WXB7 = 16, 722, 722, 723
@@ -30,11 +29,6 @@ WORDS = {
 OF_A_PLANE = ("bytes", "tile_variants")  # words that are read of the row that describes a plane
 
 DEPTH_STENCIL, BLOCK_COMPRESSED, BLOCK_FAMILY5, BLOCK_FAMILY67 = 0x1, 0x2, 0x4, 0x8
-
-
-def ids_of_row(row):
-    """How the header numbers formats: below 722 by themselves, WXB7, all others alike."""
-    return {WITHOUT_RECORD: "any other", ROW_OF_WXB7: WXB7}.get(row, row)
 
 
 class AnyFormat:

@@ -119,11 +119,6 @@ def stored(state, region, base=0):
     return found
 
 
-def plane_word(found, name, base=0):
-    at, _ = LAYOUT.plane[name]
-    return found[base + at][1]
-
-
 def plane_conditions(offset, words, with_flags, properties):
     """What lay_out_plane is shown to do, as terms over the words of a plane that it has written.
     `properties` are those of the chip, 64 bits."""
@@ -179,7 +174,6 @@ def plane_by_name(chip, flag_buffers):
         if isinstance(out, Poison):
             machine.claim(state, "access", False, "a plane that lies nowhere", "lay_out_plane")
             raise PathEnds
-        cells = state.memory.cells(surface.region)
         words = {}
         for name, (at, bytes_) in SURFACE_WORDS.items():
             words[name] = machine.word(state, surface.region, at,

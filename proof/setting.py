@@ -5,8 +5,8 @@ from dataclasses import dataclass
 import z3
 
 from executor import terms
-from executor.machine import Cases, Machine
-from executor.memory import POISON, Address, Memory, Region
+from executor.machine import Machine
+from executor.memory import Address, Memory, Region
 from executor.state import Message
 
 LEVELS, PLANES, SLICES = 15, 3, 2048

@@ -3,8 +3,8 @@ the levels for every level that a record can have.
 
 A round is run from a state that every round of that level starts in: the words of the level, the
 bounds and the chain's state (how the level before it was tiled, whether it had low-resolution depth:
-0 or 1 each) are unknown. What comes to the start of the next round is held against the state that the next round
-is run from. So the rounds make up the whole walk, whatever the record.
+0 or 1 each) are unknown. What comes to the start of the next round is held against the state that
+the next round is run from. So the rounds make up the whole walk, whatever the record.
 """
 
 from dataclasses import dataclass, field
@@ -80,7 +80,7 @@ def header_part(proof, kind):
     """All paths up to the walk through the levels, whose answer stays open."""
     key = (id(proof.module), kind.name, "header")
     if key not in _parts:
-        part = _parts[key] = Part()
+        part = Part()
         machine = proof.machine()
         walk = setting.function_named(proof.module, "11levels_pass", kind.part_of_name)
 
@@ -103,7 +103,7 @@ def header_part(proof, kind):
                 ending = "refuses" if outcome.value == 0xFFFFFFFF else "accepts"
                 part.paths.append(Path(kind, "header", None, ending, outcome.state))
         part.claims, part.steps = machine.claims, machine.steps
-        part.outcomes = outcomes
+        _parts[key] = part  # whole, or a theorem behind one that broke off would show nothing
     return _parts[key]
 
 
@@ -352,13 +352,13 @@ def like_level_1(proof, kind, name, level):
     key = (id(proof.module), kind.name, name, level)
     if key in _alike:
         return
-    _alike.add(key)
     known = {what_was_done(p) for p in level_part(proof, kind, name, 1).paths}
     part = level_part(proof, kind, name, level)
     proof.require("the round has paths", part.paths, f"{kind.validator}, level {level}")
     for path in part.paths:
         proof.require("a path of the round is one of level 1's", what_was_done(path) in known,
                       f"{kind.validator}, {name}, level {level}")
+    _alike.add(key)
 
 
 def what_was_done(path):

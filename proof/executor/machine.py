@@ -18,7 +18,7 @@ from . import terms
 from .ir import (AddressNumber, Aggregate, Assembly, Element, Int, Local, Null, RelativeNumber, Symbol,
                 Undefined)
 from .memory import NULL, POISON, Access, Address, Memory, Poison, Region, byte_of, joined
-from .state import Claim, Frame, Message, Outcome, State
+from .state import Claim, Frame, Outcome, State
 
 
 class NotUnderstood(Exception):

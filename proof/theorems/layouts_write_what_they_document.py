@@ -45,7 +45,7 @@ from format_rows import BLOCK_COMPRESSED, BLOCK_FAMILY67, DEPTH_STENCIL, AnyForm
 from layouts import (EXTRA_SLICE_BYTES, EXTRA_WORDS, FAMILIES, FLAG_EXTENDED, FLAG_EXTRA, FLAG_UBWC,
                      FLAG_WORDS, IMAGE_WORDS, LEVEL_WORDS, LOG_OF_PLANES, READ_HEAD,
                      any_surface, chip_of_any_family, depth_without_sign, equal, has_flag, laid_planes, plane_by_name,
-                     plane_code, plane_conditions, rounded_up, stored, times_depth, total, unknown,
+                     plane_code, plane_conditions, rounded_up, stored, times_depth, unknown,
                      wide)
 from records import LAYOUT
 
