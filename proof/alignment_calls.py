@@ -13,7 +13,7 @@ import setting
 from counterexample import Call
 from executor import terms
 from executor.memory import NULL, Address, Memory
-from format_classes import OTHER_PLANE, joined_classes
+from format_classes import OTHER_PLANE, FormatClass, joined_classes
 
 import alignment as rules
 import chips
@@ -89,7 +89,7 @@ class Case:
     family: int
     plane: int = 0
     tiled: bool = False
-    formats: object = None  # format_classes.FormatClass
+    formats: FormatClass | None = None
     nulls: tuple = ()  # outputs of COMPRESSED whose pointers are null
 
     @property

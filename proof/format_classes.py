@@ -30,12 +30,12 @@ OTHER_PLANE = 3  # stands for every plane that no format has
 @dataclass(frozen=True)
 class FormatClass:
     representative: int
-    number: object  # of the format, for a call: known or the unknown
+    number: int | z3.BitVecRef  # of the format, for a call: known or the unknown
     conditions: tuple
-    finite: object  # executor.finite.Finite; None where the class is one format
+    finite: Finite | Unlisted | None  # None where the class is one format
     size: int
     plane: int = 0  # of the representative
-    plane_number: object = 0  # for a call: known or the unknown
+    plane_number: int | z3.BitVecRef = 0  # for a call: known or the unknown
     members: tuple = ()  # of joined_classes(): the classes of one plane each
 
     @property

@@ -45,8 +45,11 @@ class Header:
              "levels": (20, 4)}
 
     def __init__(self):
-        for name, (_, bytes_) in self.WORDS.items():
-            setattr(self, name, z3.BitVec(f"header.{name}", 8 * bytes_))
+        def unknown(name):
+            return z3.BitVec(f"header.{name}", 8 * self.WORDS[name][1])
+
+        self.total_size, self.surface_size = unknown("total_size"), unknown("surface_size")
+        self.linear_fallback, self.levels = unknown("linear_fallback"), unknown("levels")
         self.region = Region("the checked header", self.BYTES, 8, False)
         for name, (offset, bytes_) in self.WORDS.items():
             self.region.content[offset] = (bytes_, getattr(self, name))

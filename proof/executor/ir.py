@@ -147,7 +147,7 @@ class Instruction:
     indices: tuple = ()  # of extractvalue and insertvalue; the mask of a shufflevector
     alignment: int = 1  # bytes, promised of a load or a store; of an alloca
     volatile: bool = False
-    callee: object = None
+    callee: "Symbol | Local | Assembly | None" = None
     text: str = ""
     place: str = ""  # in the library's source
 
@@ -279,7 +279,7 @@ class _Reader:
         buffer, message, module = _P(), ctypes.c_char_p(), _P()
         if _call("CreateMemoryBufferWithContentsOfFile", _INT, str(path).encode(),
                  ctypes.byref(buffer), ctypes.byref(message)):
-            raise SystemExit(f"{path}: {message.value.decode()}")
+            raise SystemExit(f"{path}: {str(message.value, 'utf-8')}")
         if _call("ParseBitcodeInContext2", _INT, context, buffer, ctypes.byref(module)):
             raise SystemExit(f"{path}: not the compiler's bitcode")
         self.module = module

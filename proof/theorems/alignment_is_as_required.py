@@ -22,6 +22,7 @@ import z3
 
 import alignment_calls as calls
 import alignment_claims as claims
+from format_classes import classes
 
 _ALWAYS = z3.BoolVal(True)
 _FAMILIES = (5, 6, 7, calls.NO_FAMILY)
@@ -108,7 +109,7 @@ def prove(proof):
     for family in (7,) if proof.quick else _FAMILIES:
         _show_without_format(proof, family)
         _show_properties(proof, family)
-    for formats_ in calls.classes(0):
+    for formats_ in classes(0):
         if proof.quick and _IN_BLOCKS not in formats_.ids:
             continue
         for nulls in [(), *_subsets(calls.OUTPUTS_IN_BLOCKS)]:
