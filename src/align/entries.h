@@ -22,24 +22,35 @@ inline bool is_supported_chip() {
   return identified_chip().supported;
 }
 
-// Prints why a size does not reach the rules, under the name `entry`, and returns what takes the place
-// of their answer: 1 x 1 for a negative size, the size itself on a chip whose surfaces they do not
-// know. Out of line, so that gcc keeps the calls behind it in registers.
+// Whether a size does not reach the rules: it is negative, or they do not know the chip's surfaces.
+constexpr bool is_refused(const ChipRow& chip, SignedExtent<Elements> size) {
+  return is_negative(size) || !chip.supported;
+}
+
+// What takes the place of the rules' answer where a size does not reach them: 1 x 1 for a negative
+// size, else the size itself.
+constexpr Extent<Elements> extent_without_rules(SignedExtent<Elements> size) {
+  if (is_negative(size)) return {1, 1};
+  return {static_cast<uint32_t>(size.width), static_cast<uint32_t>(size.height)};
+}
+
+// Prints why a size does not reach the rules, under the name `entry`, and returns what takes the
+// place of their answer. Out of line, so that gcc keeps the calls behind it in registers.
 [[gnu::cold, gnu::noinline]] inline Extent<Elements> refused_extent(const char* entry,
                                                                     int32_t width, int32_t height) {
   if (width < 0 || height < 0) {
     KORVEL_LOG(entry, "Invalid width or height: W = %d, H = %d", width, height);
-    return {1, 1};
+  } else {
+    KORVEL_LOG(entry, "Unknown Chip ID %d", static_cast<int32_t>(reported_chip_id()));
   }
-  KORVEL_LOG(entry, "Unknown Chip ID %d", static_cast<int32_t>(reported_chip_id()));
-  return {static_cast<uint32_t>(width), static_cast<uint32_t>(height)};
+  return extent_without_rules({width, height});
 }
 
 // Sizes that pass go to the rules, as rules(size).
 template <typename Rules>
 inline Extent<Elements> checked_extent(const char* entry, const ChipRow& chip,
                                        SignedExtent<Elements> size, Rules rules) {
-  if (is_negative(size) || !chip.supported) {
+  if (is_refused(chip, size)) {
     return refused_extent(entry, size.width, size.height);
   }
   return rules(

@@ -21,16 +21,31 @@ constexpr uint32_t stepped_width_el_family5(uint32_t width_el) {
   return width_el == 0 ? kWidthStepFamily5_el : round_up_pot(width_el, kWidthStepFamily5_el);
 }
 
-// Whole tiles, rounded up in bytes. Small elements count from the stepped width. Elements of sizes
-// that have no tile of their own are not rounded; a plane without elements faults.
+// Elements of 4 bytes and more take whole steps behind whole tiles, smaller ones in front of them.
+constexpr bool steps_behind_tiles_family5(uint32_t element_bytes) {
+  return element_bytes >= 4;
+}
+
+constexpr uint32_t width_before_tiles_el_family5(uint32_t width_el, uint32_t element_bytes) {
+  return steps_behind_tiles_family5(element_bytes) ? width_el : stepped_width_el_family5(width_el);
+}
+
+// Elements of other sizes are not rounded to tiles.
+constexpr bool has_tile_family5(uint32_t element_bytes) {
+  return is_power_of_two_or_zero(element_bytes) && element_bytes <= kLargestTileElement_bytes;
+}
+
+// Whole tiles, rounded up in bytes; a plane without elements faults.
 constexpr uint32_t tiled_width_el_family5(uint32_t width_el, uint32_t element_bytes,
                                           TileVariant variant) {
-  const uint32_t from_el = element_bytes >= 4 ? width_el : stepped_width_el_family5(width_el);
-  const uint32_t row_bytes = from_el * element_bytes;
-  const bool has_tile =
-      is_power_of_two_or_zero(element_bytes) && element_bytes <= kLargestTileElement_bytes;
+  const uint32_t row_bytes = width_before_tiles_el_family5(width_el, element_bytes) * element_bytes;
+  const bool has_tile = has_tile_family5(element_bytes);
   const uint32_t tile_row_bytes = tile_size(element_bytes, variant).width * element_bytes;
   return divide(has_tile ? round_up_pot(row_bytes, tile_row_bytes) : row_bytes, element_bytes);
+}
+
+constexpr uint32_t width_behind_tiles_el_family5(uint32_t tiled_el, uint32_t element_bytes) {
+  return steps_behind_tiles_family5(element_bytes) ? stepped_width_el_family5(tiled_el) : tiled_el;
 }
 
 constexpr uint32_t align_height_family5(uint32_t rows, const AlignmentRequest& request,
@@ -49,7 +64,7 @@ constexpr Extent<Elements> align_family5(const ChipRow& chip, Extent<Elements> s
   if (is_tiled(request)) {
     const TileVariant variant = tile_variant_family5(request.format);
     const uint32_t tiled_el = tiled_width_el_family5(size.width, bytes, variant);
-    return {bytes >= 4 ? stepped_width_el_family5(tiled_el) : tiled_el, height};
+    return {width_behind_tiles_el_family5(tiled_el, bytes), height};
   }
   const uint32_t base_el = stepped_width_el_family5(size.width);
   return {finished_linear_width_el(chip, request, base_el, bytes), height};

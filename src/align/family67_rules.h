@@ -73,10 +73,13 @@ constexpr Extent<Elements> align_linear_family67(const ChipRow& chip, Extent<Ele
           linear_rows_family67(size.height, request)};
 }
 
+constexpr Extent<Elements> padded_extent(Extent<Elements> size, const AlignmentRequest& request) {
+  return {size.width + request.padding.width, size.height + request.padding.height};
+}
+
 constexpr Extent<Elements> align_family67(const ChipRow& chip, Extent<Elements> size,
                                           const AlignmentRequest& request, uint32_t plane) {
-  const Extent<Elements> padded = {size.width + request.padding.width,
-                                   size.height + request.padding.height};
+  const Extent<Elements> padded = padded_extent(size, request);
   return is_tiled(request) ? align_tiled_family67(padded, request, plane)
                            : align_linear_family67(chip, padded, request, plane);
 }

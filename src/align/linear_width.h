@@ -54,6 +54,12 @@ constexpr uint32_t linear_step_bytes(const AlignmentRequest& request, const Line
   return in_blocks ? format.bytes * elements : round_up_pot(bytes * elements, kLinearUnit_bytes);
 }
 
+// The same in elements, as far as the request's divisor turns bytes into them.
+constexpr uint32_t linear_step_el(const AlignmentRequest& request, const LinearRules& rules,
+                                  bool may_become_tiled) {
+  return divide(linear_step_bytes(request, rules, may_become_tiled), request.step_divisor);
+}
+
 // By mask whatever the step is: a multiple of it for powers of two only. A step of 0 leaves the
 // width alone.
 constexpr uint32_t round_up_by_mask(uint32_t width_el, uint32_t step_el) {
@@ -62,8 +68,7 @@ constexpr uint32_t round_up_by_mask(uint32_t width_el, uint32_t step_el) {
 
 constexpr uint32_t linear_base_width_el(uint32_t width_el, const AlignmentRequest& request,
                                         const LinearRules& rules, bool may_become_tiled) {
-  const uint32_t step_bytes = linear_step_bytes(request, rules, may_become_tiled);
-  return round_up_by_mask(width_el, divide(step_bytes, request.step_divisor));
+  return round_up_by_mask(width_el, linear_step_el(request, rules, may_become_tiled));
 }
 
 // Rows of elements whose size is no power of two go up to a multiple of 64 * element_bytes *
@@ -85,16 +90,20 @@ static_assert(std::all_of(kFormatTraits.begin(), kFormatTraits.end(),
                                 [](uint32_t bytes) { return bytes < 1U << kPitchClasses; });
                           }));
 
+// Rows of at most the request's threshold are not padded. Compared as signed.
+constexpr bool is_short_row(const AlignmentRequest& request, uint32_t row_bytes) {
+  return static_cast<int32_t>(row_bytes) <= request.min_padded_row_bytes;
+}
+
 // The last step of every linear width. Odd elements are neither padded nor limited; of the others
-// only rows above the request's threshold are, compared as signed.
+// only rows above the request's threshold are.
 constexpr uint32_t finished_linear_width_el(const ChipRow& chip, const AlignmentRequest& request,
                                             uint32_t base_width_el, uint32_t element_bytes) {
   if (has_rule(request.format, kRuleUnpaddedPitch)) return base_width_el;
   if (!is_power_of_two_or_zero(element_bytes)) {
     return odd_element_width_el(base_width_el, element_bytes, request.format.substitute_bytes);
   }
-  const auto row_bytes = static_cast<int32_t>(base_width_el * element_bytes);
-  if (row_bytes <= request.min_padded_row_bytes) return base_width_el;
+  if (is_short_row(request, base_width_el * element_bytes)) return base_width_el;
   return pad_pitch_el(chip, base_width_el, element_bytes);
 }
 

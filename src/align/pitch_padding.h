@@ -73,12 +73,15 @@ constexpr uint32_t limited_pitch_el(const ChipRow& chip, uint32_t pitch_el) {
   return std::min(pitch_el, kPitchLimit_el);
 }
 
-// `element_bytes` is a power of two up to 16, or 0 for a plane that the format lacks. Multiples
-// of the longest padded pitch are not padded, but for that pitch itself.
+// Multiples of the longest padded pitch are not padded, but for that pitch itself.
+constexpr bool is_repeated_pitch(uint32_t width_el) {
+  return width_el % kLongestPaddedPitch_el == 0 && width_el != kLongestPaddedPitch_el;
+}
+
+// `element_bytes` is a power of two up to 16, or 0 for a plane that the format lacks.
 constexpr uint32_t pad_pitch_el(const ChipRow& chip, uint32_t width_el, uint32_t element_bytes) {
   if (element_bytes == 0) return width_el;
-  const bool repeats = width_el % kLongestPaddedPitch_el == 0 && width_el != kLongestPaddedPitch_el;
-  if (repeats) return limited_pitch_el(chip, width_el);
+  if (is_repeated_pitch(width_el)) return limited_pitch_el(chip, width_el);
   const uint32_t pitch_el = round_up_pot(width_el, kPitchStep_el);
   const auto size_class = static_cast<uint32_t>(std::countr_zero(element_bytes));
   return limited_pitch_el(chip, padded_pitch_el(pitch_el, size_class));

@@ -7,7 +7,6 @@
 #include "layout/single_level_surface.h"
 #include "layout/validate_memory_layout_input_params.h"
 #include "platform/log.h"
-#include "platform/rounding.h"
 
 namespace korvel {
 namespace {
@@ -22,17 +21,6 @@ constexpr MetadataHeader kHeader = {
     .record_offset = offsetof(LayoutMetadata, layout),
     .record_size = sizeof(MemoryLayout),
 };
-
-constexpr uint32_t surface_alignment_bytes(const ChipRow& chip, const FormatTraits& format,
-                                           uint32_t samples, uint32_t tiling_mode) {
-  switch (tiling_mode) {
-    case KORVEL_TILING_TILED: return chip.properties.tiled_alignment;
-    case KORVEL_TILING_LINEAR:
-      return round_up_pot<uint32_t>(format.substitute_bytes * samples,
-                                    chip.properties.pixel_alignment);
-    default: return 0;
-  }
-}
 
 void write_header(const ChipRow& chip, FormatId format, uint32_t samples, RecordHead head,
                   LayoutMetadata& metadata) {

@@ -6,24 +6,18 @@
 
 #include <korvel_utils.h>
 
-#include <algorithm>
-#include <bit>
-#include <limits>
-
 #include "align/entries.h"
 #include "formats/extent.h"
 #include "identify/gpu_identity.h"
+#include "layout/chain_bytes.h"
+#include "layout/plane_bytes.h"
 #include "layout/record_limits.h"
 #include "layout/surface.h"
-#include "platform/rounding.h"
 
 namespace korvel {
 namespace {
 
 constexpr const char* kName = "korvel_init_multi_level_surface";
-
-// Widths of a chain start from whole steps of this many texels, on every chip.
-constexpr uint32_t kChainWidthStep_texels = 64;
 
 // The levels of one plane.
 struct Chain {
@@ -31,38 +25,16 @@ struct Chain {
   uint64_t flag_bytes[KORVEL_MAX_LEVELS];  // of each flag buffer, where there are some
 };
 
-// Where the flag buffers of a chain lie.
-enum class FlagPlacement {
-  none,      // nowhere: there are none, or a linear surface of one plane has no room for them
-  gathered,  // all in front of the chain: tiled surfaces of one plane
-  own,       // each in front of its image: surfaces of several planes
-};
-
-constexpr FlagPlacement flag_placement(const Surface& surface) {
-  if (surface.planes > 1) {
-    return surface.flag_buffers ? FlagPlacement::own : FlagPlacement::none;
-  }
-  return is_tiled(surface.alignment) ? FlagPlacement::gathered : FlagPlacement::none;
-}
-
-// Read without its sign; a size above 2^31 wraps to 0.
-constexpr uint32_t next_power_of_two(int32_t size) {
-  constexpr uint32_t kLargest = 1U << 31;
-  const auto count = static_cast<uint32_t>(size);
-  return count > kLargest ? 0 : std::bit_ceil(count);
-}
-
 // Sizes the flag buffers of all levels of a plane, if it has any. `levels` is not 0.
 void size_flag_buffers(const Surface& surface, uint32_t levels, uint32_t plane, Chain& chain,
                        MemoryLayout& record) {
   if (!surface.flag_buffers) return;
-  const Extent<Elements> covered = {next_power_of_two(surface.size.width),
-                                    next_power_of_two(surface.size.height)};
-  const Extent<Tiles> tiles = tiles_that_cover(covered, flag_tile(surface, plane));
-  const uint32_t least = std::max<uint32_t>(1, surface.chip.properties.min_level_extent);
+  const Extent<Tiles> tiles =
+      tiles_that_cover(chain_flag_cover(surface), flag_tile(surface, plane));
+  const uint32_t least = least_flag_side(surface);
   for (uint32_t level = 0; level < levels; ++level) {
-    const uint32_t pitch_bytes = std::max(tiles.width >> level, least);
-    const uint32_t rows = std::max(tiles.height >> level, least);
+    const uint32_t pitch_bytes = chain_flag_side(tiles.width, level, least);
+    const uint32_t rows = chain_flag_side(tiles.height, level, least);
     PlaneLayout& out = record.level[level].plane[plane];
     out.flag_pitch = pitch_bytes;
     out.flag_size = chain.flag_bytes[level] = uint32_t{rows * pitch_bytes};
@@ -125,9 +97,8 @@ uint64_t place_images(const Surface& surface, uint32_t levels, uint32_t plane, c
     LevelLayout& level_out = record.level[level];
     PlaneLayout& out = level_out.plane[plane];
     const Extent<Elements>& image = chain.image[level];
-    const uint32_t pitch_bytes = surface.element_bytes * image.width;
-    const uint64_t image_bytes =
-        round_up_pot(pitch_bytes * image.height, surface.image_alignment_bytes);
+    const uint32_t pitch_bytes = image_pitch_bytes(surface, image);
+    const uint64_t image_bytes = mode_aligned_bytes(surface, pitch_bytes * image.height);
 
     uint64_t own_flag_bytes = 0;
     if (placement == FlagPlacement::own) {
@@ -189,15 +160,12 @@ void lay_out_mip_chains(const Surface& surface, RecordHead head, MemoryLayout& r
         placement == FlagPlacement::gathered
             ? place_gathered_flags(surface, levels, plane, chain, record)
             : 0;
-    const uint64_t flag_slice_bytes =
-        round_up_pot<uint64_t>(gathered_flag_bytes, properties.level_size_alignment);
+    const uint64_t flag_slice_bytes = whole_flag_slice_bytes(properties, gathered_flag_bytes);
     const uint64_t images_from = end_bytes + bytes_of_all_slices(surface, flag_slice_bytes);
-    const uint64_t start_bytes =
-        round_up_pot<uint64_t>(images_from, properties.level_offset_alignment);
+    const uint64_t start_bytes = chain_start_bytes(properties, images_from);
     const uint64_t images_to =
         place_images(surface, levels, plane, chain, placement, start_bytes, record);
-    const uint64_t slice_bytes =
-        round_up_pot<uint64_t>(images_to - start_bytes, properties.base_alignment);
+    const uint64_t slice_bytes = whole_chain_bytes(properties, images_to - start_bytes);
     set_slice_pitches(levels, plane, placement, slice_bytes, flag_slice_bytes, record);
     end_bytes = start_bytes + bytes_of_all_slices(surface, slice_bytes);
   }
@@ -219,13 +187,9 @@ void korvel_init_multi_level_surface(MemoryLayout* record, uint32_t width, uint3
       !korvel::planes_fit(korvel::kName, planes)) {
     return;
   }
-  const korvel::SignedExtent<korvel::Texels> base = {
-      static_cast<int32_t>(korvel::round_up_pot(width, korvel::kChainWidthStep_texels)),
-      static_cast<int32_t>(height)};
   korvel::Surface surface =
-      korvel::described_surface(chip, base, depth, format, samples, tiling_mode, flags, planes);
-  // No row of a chain is pitch-padded, and its linear steps are turned into elements.
-  surface.alignment.min_padded_row_bytes = std::numeric_limits<int32_t>::max();
-  surface.alignment.step_divisor = surface.element_bytes;
+      korvel::described_surface(chip, korvel::chain_base_size(width, height), depth, format,
+                                samples, tiling_mode, flags, planes);
+  korvel::make_chain_request(surface.alignment, surface.element_bytes);
   korvel::lay_out_mip_chains(surface, head, *record);
 }

@@ -7,21 +7,20 @@
 
 #include "align/entries.h"
 #include "formats/extent.h"
+#include "layout/plane_bytes.h"
 #include "layout/surface.h"
 #include "platform/rounding.h"
 
 namespace korvel {
-
-inline constexpr uint32_t kFlagRowAlignment = 16;  // rows of a flag buffer
 
 // Puts a flag buffer at `offset_bytes`. Returns its bytes.
 inline uint32_t lay_out_flag_buffer(const Surface& surface, uint32_t plane, Extent<Elements> image,
                                     uint64_t offset_bytes, PlaneLayout& out) {
   const ChipProperties& properties = surface.chip.properties;
   const Extent<Tiles> tiles = tiles_that_cover(image, flag_tile(surface, plane));
-  const uint32_t rows = round_up_pot(tiles.height, kFlagRowAlignment);
-  const uint32_t pitch_bytes = round_up_pot<uint32_t>(tiles.width, properties.linear_alignment);
-  const uint32_t size_bytes = round_up_pot<uint32_t>(rows * pitch_bytes, properties.base_alignment);
+  const uint32_t rows = flag_rows(tiles);
+  const uint32_t pitch_bytes = flag_pitch_bytes(properties, tiles);
+  const uint32_t size_bytes = whole_flag_bytes(properties, rows * pitch_bytes);
   out.flag_pitch = pitch_bytes;
   out.flag_offset = offset_bytes;
   out.flag_size = size_bytes;
@@ -33,12 +32,10 @@ inline uint32_t lay_out_flag_buffer(const Surface& surface, uint32_t plane, Exte
 inline uint64_t lay_out_plane(const Surface& surface, SignedExtent<Elements> size, uint32_t plane,
                               uint64_t offset_bytes, PlaneLayout& out) {
   const Extent<Elements> image = fdm_extent(surface.chip, size, surface.alignment, plane);
-  const uint32_t pitch_bytes = surface.element_bytes * image.width;
+  const uint32_t pitch_bytes = image_pitch_bytes(surface, image);
   // Up to here 32 bits, which wrap; from the base alignment on 64.
-  const uint32_t mode_aligned_bytes =
-      round_up_pot(pitch_bytes * image.height, surface.image_alignment_bytes);
-  const uint64_t image_bytes =
-      round_up_pot<uint64_t>(mode_aligned_bytes, surface.chip.properties.base_alignment);
+  const uint32_t mode_bytes = mode_aligned_bytes(surface, pitch_bytes * image.height);
+  const uint64_t image_bytes = whole_image_bytes(surface, mode_bytes);
 
   uint32_t flag_bytes = 0;
   if (surface.flag_buffers) {

@@ -103,6 +103,18 @@ inline void mark_lrz_absent(LevelLayout& level) {
   level.lrz_fc_valid = 0;
 }
 
+// The alignment of a whole surface in bytes. A mode that is neither tiled nor linear has none.
+constexpr uint32_t surface_alignment_bytes(const ChipRow& chip, const FormatTraits& format,
+                                           uint32_t samples, uint32_t tiling_mode) {
+  switch (tiling_mode) {
+    case KORVEL_TILING_TILED: return chip.properties.tiled_alignment;
+    case KORVEL_TILING_LINEAR:
+      return round_up_pot<uint32_t>(format.substitute_bytes * samples,
+                                    chip.properties.pixel_alignment);
+    default: return 0;
+  }
+}
+
 // What a layout takes from the head of its record: read once, before anything is checked.
 struct RecordHead {
   uint32_t size;       // bytes of the record
@@ -115,6 +127,11 @@ inline RecordHead read_head(const MemoryLayout& record) {
   return {.size = KORVEL_STORED(bytes, MemoryLayout, size),
           .alignment = KORVEL_STORED(bytes, MemoryLayout, alignment),
           .levels = KORVEL_STORED(bytes, MemoryLayout, levels)};
+}
+
+// The bytes of a whole surface.
+constexpr uint64_t whole_surface_bytes(uint64_t bytes, uint32_t alignment) {
+  return round_up_pot<uint64_t>(bytes, alignment);
 }
 
 // Writes the extra buffer and the total, the last words of a laid-out record. `surface_bytes` is
@@ -130,7 +147,7 @@ inline void finish_record(const Surface& surface, RecordHead head, uint64_t surf
     surface_bytes += extra_bytes;
   }
   record.extended = surface.extended ? 1 : 0;
-  record.total_size = round_up_pot<uint64_t>(surface_bytes, head.alignment) + head.size;
+  record.total_size = whole_surface_bytes(surface_bytes, head.alignment) + head.size;
 }
 
 }  // namespace korvel
