@@ -390,7 +390,8 @@ KORVEL_API uint32_t KORVEL_CALL get_gpu_pixel_alignment(void);
  *
  * It asks for the GPU once for each of the two: while the services library cannot be opened, or the
  * device reports the chip id 0xFFFFFFFF, a call tries twice and leaves two sets of the messages of
- * the identification.
+ * the identification. Where the second try alone finds the GPU, the mode's own alignment counts as
+ * one that the chip has not.
  *
  * @param tiling_mode  1 tiled, any other value linear.
  * @return bytes: 4096 where the chip has both properties, and tiled also where it has the base
@@ -593,6 +594,19 @@ KORVEL_API void KORVEL_CALL compute_fmt_aligned_width_and_height_fdm(
 
 /* ------------------------------------------------------------------------------------------------
  * Layout
+ *
+ * What the initialisers do not refuse, and answer without a message:
+ *   - The bytes of an image, rows x pitch, are counted in 32 bits: 4 GiB and more wrap. An image of
+ *     16384 x 16384 elements of 16 bytes comes to 0 bytes, and so does its surface. The pitch wraps
+ *     as well. Sums of images, and slices, are counted in 64 bits.
+ *   - A linear row may be cut at the pitch limit, see compute_fmt_aligned_width_and_height(): the
+ *     elements beyond it have no place.
+ *   - Levels are not held against the size, nor planes against the format: levels behind the last
+ *     one of the size are 1 x 1 texel again.
+ *   - For an unknown chip, whose calls leave messages, sizes are not aligned, and its base alignment
+ *     of 0 leaves 0 bytes of every image, of a chain's slices in the same way.
+ *   - Validators refuse what such requests lead to: more than 2048 slices, no planes, a level of
+ *     0 bytes, flag buffers on a linear surface, a tiling mode beyond 1.
  * --------------------------------------------------------------------------------------------- */
 
 /**

@@ -10,7 +10,9 @@
 #include "tools/chips_command.h"
 #include "tools/dump_command.h"
 #include "tools/exit_codes.h"
+#include "tools/explain_command.h"
 #include "tools/formats_command.h"
+#include "tools/request_options.h"
 #include "tools/show_command.h"
 #include "tools/standard_error.h"
 #include "tools/standard_output.h"
@@ -23,12 +25,14 @@ constexpr const char kExamples[] =
     "  korvel-layout show --format r8g8b8a8_unorm --size 1920x1080 --ubwc\n"
     "  korvel-layout show --chip 0x44010000 --format nv12 --size 3840x2160 --blob nv12.blob\n"
     "  korvel-layout show --format 28 --size 2048x2048 --levels 12 --json\n"
+    "  korvel-layout explain --format r8g8b8a8_unorm --size 1918x1080 --linear\n"
     "  korvel-layout check nv12.blob --chip 0x44010000\n"
     "  korvel-layout dump nv12.blob\n"
     "  korvel-layout formats --chip 0x43010000\n"
     "  korvel-layout chips\n"
     "\n"
-    "Exit codes: 0 done, 1 refused by the validator (check), 2 bad input.";
+    "Exit codes: 0 done, 1 refused by the validator (check) or warnings with --strict, 2 bad\n"
+    "input, 3 an explanation that does not come to the library's numbers (a bug).";
 
 constexpr const char kShowExamples[] =
     "Examples:\n"
@@ -37,6 +41,15 @@ constexpr const char kShowExamples[] =
     "  korvel-layout show --format bc1_unorm --size 2048x2048 --levels 12\n"
     "  korvel-layout show --format nv12 --size 1280x720 --linear --blob nv12.blob";
 
+constexpr const char kExplainExamples[] =
+    "Examples:\n"
+    "  korvel-layout explain --format r8g8b8a8_unorm --size 1918x1080 --linear\n"
+    "  korvel-layout explain --format nv12 --size 1920x1080 --field level[0].plane[1].image_offset\n"
+    "  korvel-layout explain --format 28 --size 2048x2048 --levels 12 --ubwc --json\n"
+    "\n"
+    "Fields have the names that show prints with --json: level[0].plane[0].image_pitch,\n"
+    "level[0].size, total_size, gpu_buffer_size.";
+
 // An option whose absence counts.
 CLI::Option* add_text(CLI::App& command, const char* name, std::optional<std::string>& text,
                       const char* description) {
@@ -44,29 +57,49 @@ CLI::Option* add_text(CLI::App& command, const char* name, std::optional<std::st
       name, [&text](const std::string& given) { text = given; }, description);
 }
 
+// The options that say which surface is meant.
+void add_request(CLI::App& command, RequestOptions& options) {
+  add_text(command, "--chip", options.chip, "Chip id; default 0x43010000")->type_name("ID");
+  command.add_option("--format", options.format, "Format number or DXGI name")
+      ->required()
+      ->type_name("FORMAT");
+  command.add_option("--size", options.size, "Texels, and slices or depth")
+      ->required()
+      ->type_name("WxH[xD]");
+  add_text(command, "--samples", options.samples, "1, 2, 4 or 8; default 1")->type_name("N");
+  add_text(command, "--planes", options.planes, "0 to 3; default the format's own")->type_name("N");
+  add_text(command, "--levels", options.levels, "Lay out a mip chain of 1 to 15 levels")
+      ->type_name("N");
+  command.add_flag("--linear", options.linear, "Linear instead of tiled");
+  command.add_flag("--ubwc", options.ubwc, "Flag buffers where format and chip allow them");
+  command.add_flag("--extra", options.extra, "An extra buffer behind the planes");
+  command.add_flag("--extended", options.extended, "With --extra: the chip's extra padding");
+}
+
+void add_strict(CLI::App& command, bool& strict) {
+  command.add_flag("--strict", strict, "Exit code 1 when there are warnings");
+}
+
 CLI::App* add_show(CLI::App& program, ShowOptions& options) {
   CLI::App* const command =
       program.add_subcommand("show", "Lay out one surface and print where everything lies");
-  add_text(*command, "--chip", options.chip, "Chip id; default 0x43010000")->type_name("ID");
-  command->add_option("--format", options.format, "Format number or DXGI name")
-      ->required()
-      ->type_name("FORMAT");
-  command->add_option("--size", options.size, "Texels, and slices or depth")
-      ->required()
-      ->type_name("WxH[xD]");
-  add_text(*command, "--samples", options.samples, "1, 2, 4 or 8; default 1")->type_name("N");
-  add_text(*command, "--planes", options.planes, "0 to 3; default the format's own")
-      ->type_name("N");
-  add_text(*command, "--levels", options.levels, "Lay out a mip chain of 1 to 15 levels")
-      ->type_name("N");
-  command->add_flag("--linear", options.linear, "Linear instead of tiled");
-  command->add_flag("--ubwc", options.ubwc, "Flag buffers where format and chip allow them");
-  command->add_flag("--extra", options.extra, "An extra buffer behind the planes");
-  command->add_flag("--extended", options.extended, "With --extra: the chip's extra padding");
+  add_request(*command, options.request);
   command->add_flag("--json", options.json, "JSON instead of tables");
   add_text(*command, "--blob", options.blob, "Write the 5536 bytes of the blob")->type_name("FILE");
   command->add_flag("--force", options.force, "With --blob: replace an existing file");
+  add_strict(*command, options.strict);
   command->footer(kShowExamples);
+  return command;
+}
+
+CLI::App* add_explain(CLI::App& program, ExplainOptions& options) {
+  CLI::App* const command =
+      program.add_subcommand("explain", "Lay out one surface and say how each number comes about");
+  add_request(*command, options.request);
+  add_text(*command, "--field", options.field, "Explain this field alone")->type_name("NAME");
+  command->add_flag("--json", options.json, "JSON instead of text");
+  add_strict(*command, options.strict);
+  command->footer(kExplainExamples);
   return command;
 }
 
@@ -136,11 +169,13 @@ int run_command_line(int argc, char** argv) {
   program.require_subcommand(0, 1);
 
   ShowOptions show_options;
+  ExplainOptions explain_options;
   FormatsOptions formats_options;
   CheckOptions check_options;
   DumpOptions dump_options;
   bool chips_json = false;
   const CLI::App* const show_command = add_show(program, show_options);
+  const CLI::App* const explain_command = add_explain(program, explain_options);
   const CLI::App* const chips_command = add_chips(program, chips_json);
   const CLI::App* const formats_command = add_formats(program, formats_options);
   const CLI::App* const check_command = add_check(program, check_options);
@@ -158,6 +193,7 @@ int run_command_line(int argc, char** argv) {
     refuse("{} is no command; korvel-layout --help lists them", in_quotes(argv[1]));
   }
   if (show_command->parsed()) return show(show_options);
+  if (explain_command->parsed()) return explain(explain_options);
   if (chips_command->parsed()) return list_chips(chips_json);
   if (formats_command->parsed()) return list_formats(formats_options);
   if (check_command->parsed()) return check(check_options);

@@ -6,11 +6,14 @@
 #include <cstddef>
 #include <cstring>
 
+#include "tools/bad_input.h"
 #include "tools/exit_codes.h"
 #include "tools/field_rows.h"
+#include "tools/library_messages.h"
 #include "tools/standard_output.h"
 #include "tools/stored_field.h"
 #include "tools/stored_file.h"
+#include "tools/stored_verdict.h"
 
 namespace tool {
 namespace {
@@ -135,6 +138,22 @@ std::size_t add_blob_header(const StoredFile& file, FieldRows& rows) {
   return record;
 }
 
+// What the validator says for the device that the record itself names. A file without a whole record
+// has none.
+void add_verdict(const StoredFile& file, FieldRows& rows) {
+  keep_library_messages();
+  std::string text;
+  try {
+    const Verdict verdict = judge(file, std::nullopt);
+    text = verdict.result == KORVEL_SUCCESS ? "accepted" : "refused: " + verdict.reason;
+    for (const std::string& limit : verdict.limits) text += "\nbut " + limit;
+  } catch (const BadInput& reason) {
+    text = std::string("none: ") + reason.what();
+  }
+  rows.add_heading("the library's verdict, for the device that the record names");
+  rows.add_text(text);
+}
+
 }  // namespace
 
 int dump(const DumpOptions& options) {
@@ -143,6 +162,7 @@ int dump(const DumpOptions& options) {
   const std::size_t record = file.is_blob() ? add_blob_header(file, rows) : 0;
   const RecordFields& fields = file.kind() == RecordKind::surface ? kSurfaceFields : kLayoutFields;
   RecordDump(file.bytes(), record, fields, options.all, rows).add();
+  add_verdict(file, rows);
   print_data(rows.text());
   return kExitDone;
 }

@@ -5,8 +5,9 @@ namespace tool {
 
 enum ExitCode : int {
   kExitDone = 0,
-  kExitRefused = 1,   // check: the validator refused the record
-  kExitBadInput = 2,  // with one line on standard error
+  kExitRefused = 1,        // check: the validator refused the record; --strict: there are warnings
+  kExitBadInput = 2,       // with one line on standard error
+  kExitInternalError = 3,  // explain: the steps do not come to the library's numbers
 };
 
 }  // namespace tool

@@ -46,6 +46,10 @@ void FieldRows::add_heading(std::string_view text) {
   text_ += fmt::format("\n{}\n", text);
 }
 
+void FieldRows::add_text(std::string_view text) {
+  text_ += fmt::format("{}\n", text);
+}
+
 void FieldRows::add_fields(std::size_t base, FieldList fields) {
   for (const StoredField& field : fields) {
     const std::size_t at = base + field.offset;

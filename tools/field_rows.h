@@ -20,6 +20,9 @@ class FieldRows {
 
   void add_heading(std::string_view text);
 
+  // Lines that tell no bytes.
+  void add_text(std::string_view text);
+
   // Fields of the structure at `base`, as far as the file holds them.
   void add_fields(std::size_t base, FieldList fields);
 

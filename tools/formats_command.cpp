@@ -14,6 +14,7 @@
 #include "tools/format_names.h"
 #include "tools/library_messages.h"
 #include "tools/simulated_chip.h"
+#include "tools/standard_error.h"
 #include "tools/standard_output.h"
 #include "tools/text_table.h"
 
@@ -154,7 +155,7 @@ std::string formats_json(const FormatsOptions& options) {
 int list_formats(const FormatsOptions& options) {
   if (options.chip) simulate_chip(options.chip);
   const std::string data = options.json ? formats_json(options) : formats_text(options);
-  warn_of(take_library_messages());
+  print_warnings(distinct_texts(take_library_messages()));
   print_data(data);
   return kExitDone;
 }

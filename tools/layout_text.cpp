@@ -13,7 +13,7 @@ std::string line(std::string_view label, std::string_view value) {
   return fmt::format("{:<16} {}\n", label, value);
 }
 
-std::string number(uint64_t value) {
+std::string decimal(uint64_t value) {
   return fmt::format("{}", value);
 }
 std::string hex(uint64_t value) {
@@ -62,7 +62,7 @@ std::string levels_table(const MemoryLayout& record) {
                    {"tiling", "", TableColumn::left}});
   for (uint32_t l = 0; l < record.levels; ++l) {
     const LevelLayout& level = record.level[l];
-    table.add_row({number(l), number(level.size), number(level.slices), number(level.planes),
+    table.add_row({decimal(l), decimal(level.size), decimal(level.slices), decimal(level.planes),
                    level.tiled == KORVEL_TILING_TILED ? "tiled" : "linear"});
   }
   return table.text();
@@ -79,10 +79,10 @@ std::string images_table(const MemoryLayout& record) {
                    {"aligned width", "elements"},
                    {"aligned height", "rows"}});
   for_each_plane(record, [&table](uint32_t l, uint32_t p, const PlaneLayout& plane) {
-    table.add_row({number(l), number(p), hex(plane.image_offset), number(plane.image_size),
-                   number(plane.image_pitch), number(plane.image_slice_pitch),
-                   number(plane.image_element_size), number(plane.image_width),
-                   number(plane.image_height)});
+    table.add_row({decimal(l), decimal(p), hex(plane.image_offset), decimal(plane.image_size),
+                   decimal(plane.image_pitch), decimal(plane.image_slice_pitch),
+                   decimal(plane.image_element_size), decimal(plane.image_width),
+                   decimal(plane.image_height)});
   });
   return table.text();
 }
@@ -104,8 +104,8 @@ std::string flag_buffers_table(const MemoryLayout& record) {
                    {"slice pitch", "bytes"}});
   for_each_plane(record, [&table](uint32_t l, uint32_t p, const PlaneLayout& plane) {
     if (plane.flag_valid == 0) return;
-    table.add_row({number(l), number(p), hex(plane.flag_offset), number(plane.flag_size),
-                   number(plane.flag_pitch), number(plane.flag_slice_pitch)});
+    table.add_row({decimal(l), decimal(p), hex(plane.flag_offset), decimal(plane.flag_size),
+                   decimal(plane.flag_pitch), decimal(plane.flag_slice_pitch)});
   });
   return table.text();
 }
@@ -136,7 +136,12 @@ std::string layout_text(const SimulatedChip& chip, const SurfaceRequest& request
   text += line("Chip", chip_label(chip));
   text += line("Blob header", header_text(blob.header));
   text += record_text(record);
-  text.append("\nLevels\n").append(levels_table(record));
+  return text + "\n" + layout_tables(blob);
+}
+
+std::string layout_tables(const LayoutMetadata& blob) {
+  const MemoryLayout& record = blob.layout;
+  std::string text = "Levels\n" + levels_table(record);
   text.append("\nImages\n").append(images_table(record));
   if (has_flag_buffers(record)) text.append("\nFlag buffers\n").append(flag_buffers_table(record));
   text.append("\n").append(totals_text(blob));

@@ -12,4 +12,7 @@ namespace tool {
 std::string layout_text(const SimulatedChip& chip, const SurfaceRequest& request,
                         const LayoutMetadata& blob);
 
+// The words of levels and planes alone, and the totals.
+std::string layout_tables(const LayoutMetadata& blob);
+
 }  // namespace tool

@@ -4,9 +4,12 @@
 #include <set>
 
 #include "hxl_sim.h"
-#include "tools/standard_error.h"
 
 namespace tool {
+
+void keep_library_messages() {
+  hxl_sim_set_capture(1);
+}
 
 std::vector<LibraryMessage> take_library_messages() {
   std::vector<LibraryMessage> messages;
@@ -18,11 +21,13 @@ std::vector<LibraryMessage> take_library_messages() {
   return messages;
 }
 
-void warn_of(const std::vector<LibraryMessage>& messages) {
+std::vector<std::string> distinct_texts(const std::vector<LibraryMessage>& messages) {
   std::set<std::string> said;
+  std::vector<std::string> texts;
   for (const LibraryMessage& message : messages) {
-    if (said.insert(message.text).second) print_warning(message.text);
+    if (said.insert(message.text).second) texts.push_back(message.text);
   }
+  return texts;
 }
 
 }  // namespace tool

@@ -11,10 +11,13 @@ struct LibraryMessage {
   std::string text;
 };
 
+// From here on they are kept instead of printed.
+void keep_library_messages();
+
 // Those since the last call of this function.
 std::vector<LibraryMessage> take_library_messages();
 
-// One warning for each text, however often the library said it.
-void warn_of(const std::vector<LibraryMessage>& messages);
+// Each text once, however often the library said it.
+std::vector<std::string> distinct_texts(const std::vector<LibraryMessage>& messages);
 
 }  // namespace tool

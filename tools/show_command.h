@@ -4,23 +4,16 @@
 #include <optional>
 #include <string>
 
+#include "tools/request_options.h"
+
 namespace tool {
 
-// Texts as the user gave them.
 struct ShowOptions {
-  std::string format;
-  std::string size;
-  std::optional<std::string> chip;
-  std::optional<std::string> samples;
-  std::optional<std::string> planes;
-  std::optional<std::string> levels;
+  RequestOptions request;
   std::optional<std::string> blob;
-  bool linear = false;
-  bool ubwc = false;
-  bool extra = false;
-  bool extended = false;
   bool json = false;
   bool force = false;
+  bool strict = false;  // warnings make the exit code 1
 };
 
 // Returns the program's exit code. Throws BadInput.

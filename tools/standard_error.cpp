@@ -29,6 +29,10 @@ void print_warning(std::string_view text) {
   fmt::print(stderr, "korvel-layout: warning: {}\n", without_controls(text));
 }
 
+void print_warnings(const std::vector<std::string>& texts) {
+  for (const std::string& text : texts) print_warning(text);
+}
+
 std::string in_quotes(std::string_view text) {
   if (text.size() <= kLongestQuote) return fmt::format("\"{}\"", text);
   return fmt::format("\"{}...\"", text.substr(0, kLongestQuote));

@@ -3,11 +3,13 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace tool {
 
 void print_error(std::string_view reason);
 void print_warning(std::string_view text);
+void print_warnings(const std::vector<std::string>& texts);
 
 // The user's own text, fit to stand inside such a line: in quotes, long ones cut.
 std::string in_quotes(std::string_view text);

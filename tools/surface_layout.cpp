@@ -44,7 +44,7 @@ void check_arguments(const SurfaceRequest& request, std::vector<LibraryMessage>&
 
 }  // namespace
 
-LayoutMetadata lay_out(const SimulatedChip& chip, const SurfaceRequest& request) {
+LaidOutSurface lay_out(const SimulatedChip& chip, const SurfaceRequest& request) {
   std::vector<LibraryMessage> messages;
   check_arguments(request, messages);
   const std::string fault = forecast_fault(chip.row, request);
@@ -60,8 +60,7 @@ LayoutMetadata lay_out(const SimulatedChip& chip, const SurfaceRequest& request)
   }
   const std::vector<LibraryMessage> further = take_library_messages();
   messages.insert(messages.end(), further.begin(), further.end());
-  warn_of(messages);
-  return blob;
+  return {blob, distinct_texts(messages)};
 }
 
 }  // namespace tool

@@ -15,8 +15,8 @@ void expect_reason(const std::string& arguments, const std::string& part) {
 }
 
 TEST(CommandLine, HelpAndVersion) {
-  for (const char* arguments : {"--help", "-h", "show --help", "check --help", "dump --help",
-                                "chips --help", "formats --help"}) {
+  for (const char* arguments : {"--help", "-h", "show --help", "explain --help", "check --help",
+                                "dump --help", "chips --help", "formats --help"}) {
     const Outcome run = run_tool(arguments);
     EXPECT_EQ(run.exit_code, 0) << arguments;
     EXPECT_NE(run.out.find("Usage: korvel-layout"), std::string::npos) << arguments;

@@ -83,12 +83,32 @@ Outcome run_tool(const std::string& arguments) {
   return run_tool_with(list);
 }
 
-nlohmann::json json_of(const std::string& arguments) {
-  const Outcome run = run_tool(arguments + " --json");
+namespace {
+
+nlohmann::json parsed(const std::string& arguments, const Outcome& run) {
   EXPECT_EQ(run.exit_code, 0) << arguments << ": " << run.err;
-  EXPECT_EQ(run.err, "") << arguments;
   nlohmann::json json = nlohmann::json::parse(run.out, nullptr, false);
   EXPECT_FALSE(json.is_discarded()) << run.out;
+  return json;
+}
+
+}  // namespace
+
+nlohmann::json json_of(const std::string& arguments) {
+  const Outcome run = run_tool(arguments + " --json");
+  EXPECT_EQ(run.err, "") << arguments;
+  return parsed(arguments, run);
+}
+
+nlohmann::json json_with_warnings(const std::string& arguments) {
+  const Outcome run = run_tool(arguments + " --json");
+  nlohmann::json json = parsed(arguments, run);
+  std::string lines;
+  for (const std::string warning : json.at("warnings")) {
+    lines += "korvel-layout: warning: " + warning + "\n";
+  }
+  EXPECT_NE(lines, "") << arguments;
+  EXPECT_EQ(run.err, lines) << arguments;
   return json;
 }
 

@@ -30,6 +30,9 @@ Outcome run_tool(const std::string& arguments);
 // What a successful run with --json prints; a failure of the test otherwise.
 nlohmann::json json_of(const std::string& arguments);
 
+// The same of a run that warns: every warning is a line on standard error, too.
+nlohmann::json json_with_warnings(const std::string& arguments);
+
 // Expects exit code 2, no data, and exactly one line that starts with the program's name. Returns
 // the rest of that line.
 std::string reason_of_refusal(const Outcome& run);
