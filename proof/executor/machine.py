@@ -95,7 +95,7 @@ class Machine:
         broken = terms.negation(kept)
         if state.known.get(broken.get_id()):
             return POISON
-        if self.prover.possible(state.conditions, broken):
+        if self.possible(state, broken):
             return Cases([(kept, value), (broken, POISON)])
         self.claim(state, "promise", kept, text, place)
         return value
@@ -153,6 +153,12 @@ class Machine:
         """All outcomes of a call."""
         state = State(memory, conditions)
         state.notes = dict(notes or {})
+        for finite in self.finite:
+            if not state.known.get(finite.condition.get_id()):
+                raise ValueError("a call without the condition that its number is one of the list")
+            state.open[finite] = finite.open
+            for condition in state.conditions:
+                self.assume(state, condition)
         self.enter(state, name, arguments, None)
         return self.resume([state])
 
@@ -214,12 +220,30 @@ class Machine:
             self.paths += 1
             return []
 
+    def possible(self, state, condition):
+        """Whether a path may go on under one more condition."""
+        for finite, open_ in state.open.items():
+            left = finite.numbers_for(open_, condition, self.prover)
+            if left is not None:
+                return bool(left)
+        return self.prover.possible(state.conditions, condition)
+
+    def assume(self, state, condition):
+        """A path goes on under one more condition, and so with fewer of its listed numbers."""
+        state.assume(condition)
+        if terms.known(condition):
+            return
+        for finite, open_ in state.open.items():
+            left = finite.numbers_for(open_, condition, self.prover)
+            if left is not None:
+                state.open[finite] = left
+
     def part(self, state, instruction, cases):
         """A path for each case that can be."""
         made = []
         for condition, value in self.open_cases(state, cases):
             other = state.copy() if made or len(cases) > 1 else state
-            other.assume(condition)
+            self.assume(other, condition)
             other.frame.values[instruction.number] = value
             other.frame.index += 1
             made.append(other)
@@ -236,7 +260,7 @@ class Machine:
             was = state.known.get(condition.get_id())
             if was:
                 return [(True, value)]
-            if self.prover.possible(state.conditions, condition):
+            if self.possible(state, condition):
                 left.append((condition, value))
         if len(left) == 1 and len(cases) > 1:
             return [(left[0][0], left[0][1])]
@@ -302,6 +326,7 @@ class Machine:
                 for s in states for a in s.loads}
         first.loads = list(seen.values())
         first.stores = list({id(a): a for s in states for a in s.stores}.values())
+        first.open = {f: frozenset().union(*(s.open[f] for s in states)) for f in first.open}
         if any(s.messages != first.messages for s in states):
             raise NotUnderstood("paths that meet have reported different things")
         return first
@@ -489,15 +514,13 @@ class Machine:
 
     def listed_word(self, state, address, type_):
         """Of a table at a place that depends on a number of a list alone. None for other places."""
-        for finite in self.finite:
-            if not state.known.get(finite.condition.get_id()):
-                continue
-            places = finite.values(address.offset)
-            if places is None or max(places) + type_.bytes > address.region.bytes:
+        for finite, open_ in state.open.items():
+            places = finite.values(open_, address.offset)
+            if places is None or max(places.values()) + type_.bytes > address.region.bytes:
                 continue
             words = {at: self.of_type(self.word(State(), address.region, at, type_, ""), type_)
-                     for at in set(places)}
-            cases = finite.choice([words[at] for at in places], type_.bits)
+                     for at in set(places.values())}
+            cases = finite.choice({n: words[at] for n, at in places.items()}, type_.bits)
             if cases is not None:
                 return Cases(cases)
         return None
@@ -643,7 +666,7 @@ class Machine:
         made = []
         for condition, target in left:
             other = state.copy() if len(left) > 1 else state
-            other.assume(condition)
+            self.assume(other, condition)
             if self.go(other, target) is None:
                 made.append(other)
         if not made:
@@ -793,10 +816,10 @@ class Machine:
         negated = terms.negation(condition)
         if state.known.get(negated.get_id()):
             return b
-        for finite in self.finite:
-            truth = finite.truth(condition, self.prover)
-            if truth is not None and state.known.get(finite.condition.get_id()):
-                return a if truth else b
+        for finite, open_ in state.open.items():
+            left = finite.numbers_for(open_, condition, self.prover)
+            if left is not None:
+                return a if left == open_ else Cases([(condition, a), (negated, b)]) if left else b
         if (any(isinstance(v, (Address, Poison, list)) for v in (a, b)) or
                 frame.function.name in self.parts):
             return Cases([(condition, a), (negated, b)])

@@ -27,7 +27,8 @@ class Frame:
 class State:
     """A path: what it has taken to be true, what it has loaded, stored and reported."""
 
-    __slots__ = ("frames", "memory", "conditions", "known", "loads", "stores", "messages", "notes")
+    __slots__ = ("frames", "memory", "conditions", "known", "loads", "stores", "messages", "notes",
+                 "open")
 
     def __init__(self, memory=None, conditions=()):
         self.frames = []
@@ -38,6 +39,7 @@ class State:
         self.stores = []
         self.messages = []
         self.notes = {}  # a theorem's own
+        self.open = {}  # finite.Finite -> the numbers of its list that can still be meant
         for condition in conditions:
             self.assume(condition)
 
@@ -60,6 +62,7 @@ class State:
         other.stores = list(self.stores)
         other.messages = list(self.messages)
         other.notes = dict(self.notes)
+        other.open = dict(self.open)
         return other
 
     @property

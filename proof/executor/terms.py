@@ -39,26 +39,26 @@ def negation(value):
 
 
 def conjunction(*values):
-    kept = []
+    kept = {}
     for value in values:
-        if known(value):
-            if not value:
-                return False
-        elif not any(value.eq(k) for k in kept):
-            kept.append(value)
+        if not known(value):
+            kept.setdefault(value.get_id(), value)
+        elif not value:
+            return False
+    kept = list(kept.values())
     if not kept:
         return True
     return kept[0] if len(kept) == 1 else z3.And(*kept)
 
 
 def disjunction(*values):
-    kept = []
+    kept = {}
     for value in values:
-        if known(value):
-            if value:
-                return True
-        elif not any(value.eq(k) for k in kept):
-            kept.append(value)
+        if not known(value):
+            kept.setdefault(value.get_id(), value)
+        elif value:
+            return True
+    kept = list(kept.values())
     if not kept:
         return False
     if len(kept) == 2 and negation(kept[0]).eq(kept[1]):
@@ -310,6 +310,19 @@ def truncated(value, to):
     return z3.Extract(to - 1, 0, value)
 
 
+def _fits_by_width(a, b, bits, with_sign):
+    """Whether the factors come from numbers of so few bits that their product fits."""
+    widths, signs = [], []
+    for one in (a, b):
+        if not z3.is_app_of(one, z3.Z3_OP_ZERO_EXT) and not z3.is_app_of(one, z3.Z3_OP_SIGN_EXT):
+            return False
+        widths.append(one.arg(0).size())
+        signs.append(z3.is_app_of(one, z3.Z3_OP_SIGN_EXT))
+    if with_sign:  # below 2^w without sign, up to 2^(w - 1) with it
+        return sum(widths) - sum(signs) <= bits - 1 - all(signs)
+    return not any(signs) and sum(widths) <= bits
+
+
 def overflows(operation, a, b, bits, with_sign):
     """Whether add, sub or mul leave the range of `bits`."""
     if known(a) and known(b):
@@ -322,6 +335,8 @@ def overflows(operation, a, b, bits, with_sign):
             if known(one) and one in (0, 1):
                 return False
     if operation == "mul" and not known(a) and not known(b):
+        if _fits_by_width(a, b, bits, with_sign):
+            return False
         for one, other in ((a, b), (b, a)):
             if _is_one_of_two(one):
                 return z3.If(one.arg(0), *(truth(overflows("mul", other, one.arg(i).as_long(), bits,
