@@ -20,10 +20,10 @@ def show(proof, case, what, conditions, claim, place="", answer=None, enough=Non
     `enough`: a claim that the claim follows from, which is easier to show."""
     claim = terms.truth(claim)
     if enough is not None and _shown_opaque(proof.prover, conditions, enough):
-        proof.report.shown += 1
+        proof.count()
         return True
     if _shown_opaque(proof.prover, conditions, claim):
-        proof.report.shown += 1
+        proof.count()
         return True
     conditions, claim = [plain(c) for c in conditions], plain(claim)
 

@@ -57,7 +57,7 @@ def try_bug(name, patch, work):
     started = time.monotonic()
     found, said = False, ""
     for how in (["--quick"], []):
-        done = subprocess.run(["scripts/prove", *how, theorem_of(patch)], cwd=place,
+        done = subprocess.run(["scripts/prove", "--first", *how, theorem_of(patch)], cwd=place,
                               env=environment, capture_output=True, text=True, check=False)
         said = done.stdout + done.stderr
         # Not an error of any kind, nor a solver or an executor that gives up: something does not hold.

@@ -50,14 +50,15 @@ def print_report(report):
         print_failure(failure)
 
 
-def run_tests(code):
+def run_tests(code, quick):
     """What an executor proves whose tests fail is worth nothing, and so is what it is held against."""
     started = time.monotonic()
     tests = sorted((HERE / "tests").glob("*_test.py"))
     if not tests:
         raise SystemExit("proof/tests holds no test")
     tests += sorted((HERE / "requirements").glob("test_*.py"))
-    environment = dict(os.environ, KORVEL_PROOF_LIBRARY_CODE=str(code))
+    environment = dict(os.environ, KORVEL_PROOF_LIBRARY_CODE=str(code),
+                       KORVEL_PROOF_TESTS="quick" if quick else "all")
 
     def run(test):
         return subprocess.run([sys.executable, str(test)], env=environment, capture_output=True,
@@ -92,7 +93,8 @@ def prove_one(name):
     with contextlib.redirect_stdout(said):
         print(f"{name}: {' '.join(made.__doc__.partition(chr(10) * 2)[0].split())}")
         prover = Prover(write_to=Path(arguments.smt) / name if arguments.smt else None)
-        report = theorem.prove(name, made, _Given.module, prover, arguments.quick)
+        report = theorem.prove(name, made, _Given.module, prover, arguments.quick,
+                               1 if arguments.first else theorem.MOST_FAILURES)
         for failure in report.failures:
             if failure.call and arguments.library:
                 failure.confirmed = counterexample.confirm(failure.call, arguments.library)
@@ -110,6 +112,8 @@ def main():
                         help="which (all): " + ", ".join(names()))
     parser.add_argument("--quick", action="store_true",
                         help="what takes less than two minutes, and says what is left out")
+    parser.add_argument("--first", action="store_true",
+                        help="leave a theorem at the first thing that does not hold")
     parser.add_argument("--smt", metavar="FOLDER", help="write each question as an SMT-LIB file, and let a second solver "
                         "answer it")
     parser.add_argument("--build", required=True, help=argparse.SUPPRESS)
@@ -125,10 +129,10 @@ def main():
     started = time.monotonic()
     code = library_code.compile_library(arguments.build, Path(arguments.work))
     module = library_code.read_library(code)
-    print(f"the library's code: {len(module.functions)} functions, read in "
+    print(f"the library's code for {Path(arguments.build).name}: {len(module.functions)} functions, read in "
           f"{time.monotonic() - started:.1f} s", flush=True)
     if not arguments.theorems:
-        run_tests(code)
+        run_tests(code, arguments.quick)
     groups = {}
     for name in wanted:
         made = importlib.import_module(f"theorems.{name}")

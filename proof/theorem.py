@@ -1,10 +1,14 @@
 """What a theorem is proved with, and what is kept of it for the report."""
 
+import sys
 import time
 from dataclasses import dataclass, field
 
 import setting
 from executor.machine import NotUnderstood
+
+
+MOST_FAILURES = 5  # before a theorem is left
 
 
 @dataclass
@@ -34,13 +38,13 @@ class Report:
 class Proof:
     """Handed to a theorem's prove(): collects what it shows."""
 
-    def __init__(self, name, module, prover, quick=False, most_failures=5):
+    def __init__(self, name, module, prover, quick=False, most_failures=MOST_FAILURES):
         self.module = module
         self.prover = prover
         self.quick = quick
         self.report = Report(name)
         self.most_failures = most_failures
-        self._started = time.monotonic()
+        self._started = self._told = time.monotonic()
         self._asked, self._solver_seconds = prover.asked, prover.seconds
 
     # ---- running the code
@@ -64,7 +68,7 @@ class Proof:
         """The claim holds wherever the conditions do. `call` makes a counterexample's call of the
         solver's values; `realistic`, of all terms that were asked about, what holds of values that can
         be called with."""
-        self.report.shown += 1
+        self.count()
         answer = self.prover.proves(conditions, claim)
         if answer.proved:
             return True
@@ -78,6 +82,15 @@ class Proof:
             return self.fail(what, place, "counterexample, none found that can be called",
                              answer.model)
         return self.fail(what, place, "counterexample", callable_.model, call)
+
+    def count(self):
+        """One claim more; a long run says how far it is."""
+        self.report.shown += 1
+        now = time.monotonic()
+        if now - self._told >= _SECONDS_UNTOLD:
+            self._told = now
+            print(f"{self.report.name}: {self.report.shown} claims, {self.prover.asked} questions, "
+                  f"{now - self._started:.0f} s so far", file=sys.__stderr__, flush=True)
 
     def show_claims(self, machine, call=None):
         """All that the compiler has promised and that memory demands on the paths so far."""
@@ -95,7 +108,7 @@ class Proof:
 
     def require(self, what, condition, place=""):
         """Something that is known without the solver."""
-        self.report.shown += 1
+        self.count()
         return bool(condition) or self.fail(what, place, "it does not hold")
 
     def fail(self, what, place, why, model=None, call=None):
@@ -122,16 +135,17 @@ class Proof:
 
 
 _MOST_VALUES = 24
+_SECONDS_UNTOLD = 60
 
 
 class EnoughFailures(Exception):
     pass
 
 
-def prove(name, theorem, module, prover, quick=False):
+def prove(name, theorem, module, prover, quick=False, most_failures=MOST_FAILURES):
     """Runs one theorem: a module with prove(proof)."""
     prover.slowest = 0.0
-    proof = Proof(name, module, prover, quick)
+    proof = Proof(name, module, prover, quick, most_failures)
     try:
         theorem.prove(proof)
     except EnoughFailures:

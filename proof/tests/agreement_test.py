@@ -10,7 +10,7 @@ from small_module import (bytes_of, keeps_its_promises, numbers_of, plain, run_h
                           run_unknown, samples)
 
 SAMPLES = 100
-FEWEST = 1  # samples of a function on which nothing undefined happens
+ENOUGH = 12 if small_module.QUICK else SAMPLES  # samples on which nothing undefined happens
 
 
 class Agreement(unittest.TestCase):
@@ -46,6 +46,8 @@ class Agreement(unittest.TestCase):
             if not defined:
                 continue
             compared += 1
+            if compared > ENOUGH:
+                break
             self.assertEqual(len(taken), 1, f"paths that hold for {values}")
             self.assertEqual(len(known.outcomes), 1, f"known paths for {values}")
             here = run_here(self.library, function, values)
@@ -55,10 +57,7 @@ class Agreement(unittest.TestCase):
                 self.assertEqual(plain(evaluate(outcome.value, number)), here.value,
                                  f"{what}: {values}")
                 self.assertEqual(bytes_of(run, outcome, number), here.buffers, f"{what}: {values}")
-        if function.argument_types and any(t.bits != 1 for t in function.argument_types):
-            self.assertGreaterEqual(compared, FEWEST)
-        else:
-            self.assertGreaterEqual(compared, 1)
+        self.assertGreaterEqual(compared, 1)
 
 
 if __name__ == "__main__":

@@ -1,6 +1,7 @@
 """Small modules of LLVM IR: assembled for the executor, compiled for this machine, and run in both."""
 
 import ctypes
+import os
 import random
 import subprocess
 import sys
@@ -11,6 +12,7 @@ from pathlib import Path
 import z3
 
 HERE = Path(__file__).resolve().parent
+QUICK = os.environ.get("KORVEL_PROOF_TESTS") == "quick"
 sys.path.insert(0, str(HERE.parent))
 
 from executor import ir, terms  # noqa: E402
@@ -135,7 +137,7 @@ def run_here(library, function, values):
 
 @dataclass
 class Run:
-    machine: object
+    machine: Machine
     outcomes: list
     claims: list
     regions: list  # the buffers

@@ -4,7 +4,7 @@ For korvel_init_single_level_surface and korvel_init_memory_layout, any chip row
 7 and the unknown chip, any width, height, depth, format, samples, mode and flags, any 32-bit number
 of planes, and the `levels` of the record that 2 names:
 
-1. Plane 0 (lay_out_plane, any surface that these two describe): written are the image's seven words
+1. A plane (lay_out_plane, any surface that these two describe): written are the image's seven words
    and flag_valid, the other four flag words where there is a flag buffer and only there, each once
    and with the values that the header gives: the flag buffer at the plane's offset, the image behind
    it, both together the slice pitch, an image its rows rounded up to the mode's and the base
@@ -26,14 +26,13 @@ of planes, and the `levels` of the record that 2 names:
 3. No access outside the record (5512 bytes, the blob 5536, a plane 88), no promise of the compiler
    broken.
 
---quick: on the unknown chip, 1 and, for korvel_init_single_level_surface with tiling mode 1 and a
+--quick: on the unknown chip, 1 of plane 0 and, for korvel_init_single_level_surface with tiling mode 1 and a
 record of no level, one, or more than 15, 2.
 
 Assumed: the GPU is identified. Products of two unknowns are unknown functions. lay_out_plane is
 replaced, in 2, by what 1 shows of it.
 
-Not shown: 1 for planes 1 and 2, of which 2 takes it to hold; 2 for records of 2 to 15 levels, but on
-the unknown chip with tiling mode 1.
+Not shown: 2 for records of 2 to 15 levels, but on the unknown chip with tiling mode 1.
 """
 
 import z3
@@ -48,6 +47,7 @@ from layouts import (EXTRA_SLICE_BYTES, EXTRA_WORDS, FAMILIES, FLAG_EXTENDED, FL
                      plane_code, plane_conditions, rounded_up, stored, times_depth, unknown,
                      wide)
 from records import LAYOUT
+from setting import PLANES
 
 # The formats of which the header says that a flag buffer's sample tile is not known, and the
 # compressed formats that are video formats: their tile goes by the format alone.
@@ -61,13 +61,15 @@ FACTS = {
 
 
 def prove(proof):
-    one_plane(proof, setting.unknown_chip(), 0, 0)
+    for plane in range(1 if proof.quick else PLANES):
+        one_plane(proof, setting.unknown_chip(), 0, plane)
     if proof.quick:
         # In full: chips of the families, any number of levels, and both tiling modes.
         single_level(proof, setting.unknown_chip(), False, True, any_levels=False)
         return
     for family in FAMILIES:
-        one_plane(proof, setting.any_chip(family), family, 0)
+        for plane in range(PLANES):
+            one_plane(proof, setting.any_chip(family), family, plane)
     for chip in (chip_of_any_family(), setting.unknown_chip()):
         for flag_buffers in (False, True):
             unknown_one = terms.known(chip.words["ubwc"])
