@@ -711,17 +711,21 @@ class StandIns:
         return z3.substitute(value, *used) if used else value
 
 
-def in_either_order(term):
-    """Lemmas: the products in a term do not depend on the order of their factors."""
-    if terms.known(term):
-        return []
-    made, seen, stack = [], set(), [term]
+def parts_of(term):
+    """A term and all terms in it, each once; none of a known number."""
+    seen, stack = set(), [] if terms.known(term) else [term]
     while stack:
         top = stack.pop()
-        if top.get_id() in seen:
-            continue
-        seen.add(top.get_id())
-        stack.extend(top.children())
+        if top.get_id() not in seen:
+            seen.add(top.get_id())
+            stack.extend(top.children())
+            yield top
+
+
+def in_either_order(term):
+    """Lemmas: the products in a term do not depend on the order of their factors."""
+    made = []
+    for top in parts_of(term):
         if z3.is_app_of(top, z3.Z3_OP_UNINTERPRETED) and top.num_args() == 2:
             a, b = top.children()
             made.append(top.decl()(b, a) == top)
@@ -733,13 +737,8 @@ def as_differences(term):
     parts then."""
     term = in_one_order(term)
     while not terms.known(term):
-        found, seen, stack = {}, set(), [term]
-        while stack:
-            top = stack.pop()
-            if top.get_id() in seen:
-                continue
-            seen.add(top.get_id())
-            stack.extend(top.children())
+        found = {}
+        for top in parts_of(term):
             if z3.is_app_of(top, z3.Z3_OP_BXOR) and top.num_args() == 2:
                 a, b = top.children()
                 for one, other in ((a, b), (b, a)):
@@ -753,13 +752,8 @@ def as_differences(term):
 
 def in_one_order(term):
     """The same, by the lemma that products do not depend on the order of their factors."""
-    found, seen, stack = [], set(), [] if terms.known(term) else [term]
-    while stack:
-        top = stack.pop()
-        if top.get_id() in seen:
-            continue
-        seen.add(top.get_id())
-        stack.extend(top.children())
+    found = []
+    for top in parts_of(term):
         if z3.is_app_of(top, z3.Z3_OP_UNINTERPRETED) and top.num_args() == 2:
             a, b = top.children()
             if a.get_id() > b.get_id():
