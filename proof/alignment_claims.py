@@ -6,11 +6,12 @@ import alignment_calls as calls
 from executor import terms
 from executor.memory import Poison
 from opaque import merged, opaque, plain
+from under_conditions import simplified
 
 ANY = object()  # a message's number that is not looked at
 
-# Before a question is asked in the next way: products and quotients opaque; one level of them after
-# another; the terms as they are.
+# Before a question is asked in the next way: products and quotients opaque, as they stand and under
+# the path's conditions; one level of them after another; the terms as they are.
 _OPAQUE_SECONDS = 2
 _MERGED_SECONDS = 10
 
@@ -45,6 +46,10 @@ def _shown_opaque(prover, conditions, claim):
     # To bits at once, and of models that are known: what is left open here is asked below.
     proved = prover._check(assumed, terms.negation(wanted), quick=True)[0] == "unsat"
     proved = proved or prover.proves(assumed, wanted).proved
+    if not proved:
+        assumed, wanted = simplified(conditions, claim)
+        assumed, wanted = [opaque(c) for c in assumed], opaque(wanted)
+        proved = prover.proves(assumed, wanted).proved
     if not proved:
         prover.timeout_seconds = _MERGED_SECONDS
         proved = prover.proves(*merged(prover, assumed, wanted)).proved

@@ -44,6 +44,7 @@ class Proof:
         self.quick = quick
         self.report = Report(name)
         self.most_failures = most_failures
+        self._case = ""
         self._started = self._told = time.monotonic()
         self._asked, self._solver_seconds = prover.asked, prover.seconds
 
@@ -89,8 +90,16 @@ class Proof:
         now = time.monotonic()
         if now - self._told >= _SECONDS_UNTOLD:
             self._told = now
-            print(f"{self.report.name}: {self.report.shown} claims, {self.prover.asked} questions, "
-                  f"{now - self._started:.0f} s so far", file=sys.__stderr__, flush=True)
+            print(f"{self.report.name}: {self._case}{self.report.shown} claims, "
+                  f"{self.prover.asked} questions, {now - self._started:.0f} s so far",
+                  file=sys.__stderr__, flush=True)
+
+    def each(self, cases):
+        """The cases, one after the other; a long run says at which it is."""
+        for number, case in enumerate(cases, 1):
+            self._case = f"case {number} of {len(cases)}, "
+            yield case
+        self._case = ""
 
     def show_claims(self, machine, call=None):
         """All that the compiler has promised and that memory demands on the paths so far."""

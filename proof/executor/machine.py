@@ -400,7 +400,8 @@ class Machine:
             inside = offset + size <= region.bytes
         else:
             inside = z3.ULE(offset, region.bytes - size) if region.bytes >= size else False
-        self.claim(state, "access", inside, f"{size} bytes of {region.name} at {offset}", place)
+        where = f" at {offset}" if terms.known(offset) else ""  # a term is more than anybody reads
+        self.claim(state, "access", inside, f"{size} bytes of {region.name}{where}", place)
         if writing and not region.writable:
             self.claim(state, "access", False, f"a store to {region.name}, which is read only", place)
         if alignment > 1:
@@ -413,7 +414,7 @@ class Machine:
             else:
                 aligned = offset & (alignment - 1) == 0
             self.claim(state, "promise", aligned,
-                       f"{region.name} at {offset} is a multiple of {alignment}", place)
+                       f"a place in {region.name}{where} is a multiple of {alignment}", place)
 
     def load(self, state, address, type_, place, alignment=1, volatile=False):
         if type_.kind in ("vector", "array"):

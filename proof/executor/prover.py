@@ -133,9 +133,9 @@ class Prover:
         return self.answers[key]
 
     def _holds_in_a_model(self, asserted):
-        whole = z3.And(*asserted)
         for place, model in enumerate(self._models):
-            if z3.is_true(model.eval(whole, model_completion=True)):
+            # The question stands last, and is what most of them break.
+            if all(z3.is_true(model.eval(a, model_completion=True)) for a in reversed(asserted)):
                 self._models.insert(0, self._models.pop(place))
                 return True
         return False

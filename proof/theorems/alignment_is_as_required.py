@@ -24,6 +24,8 @@ import alignment_calls as calls
 import alignment_claims as claims
 from format_classes import classes
 
+SHARES_RUNS_OF = "alignment"
+
 _ALWAYS = z3.BoolVal(True)
 _FAMILIES = (5, 6, 7, calls.NO_FAMILY)
 
@@ -104,7 +106,7 @@ _SAMPLE = (
 
 
 def prove(proof):
-    for case in calls.cases_with(_SAMPLE) if proof.quick else calls.cases_of_formats():
+    for case in proof.each(calls.cases_with(_SAMPLE) if proof.quick else calls.cases_of_formats()):
         show_case(proof, case)
     for family in (7,) if proof.quick else _FAMILIES:
         _show_without_format(proof, family)

@@ -12,6 +12,8 @@ import z3
 import alignment_calls as calls
 import alignment_claims as claims
 
+SHARES_RUNS_OF = "alignment"
+
 
 def _is_zero(*factors):
     """A product of 32 bits that comes to 0."""
@@ -161,7 +163,7 @@ _SAMPLE = (
 def prove(proof):
     faulting = set()
     cases = calls.cases_with(_SAMPLE) if proof.quick else calls.cases_of_formats()
-    for case in cases:
+    for case in proof.each(cases):
         if show_case(proof, case):
             faulting.add((case.entry, case.family, case.tiled))
             proof.find(f"{case}: a division by 0", [expected(case), *case.conditions])

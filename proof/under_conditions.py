@@ -1,0 +1,72 @@
+"""Terms as they are under a path's conditions: with what a condition decides put in its place.
+
+A condition that names a truth value decides it wherever else it stands; one that says that a term is a
+known number puts the number there. What is made of a condition follows from all of them, and a claim
+stays the same under them: so a claim that is shown of what is made here holds wherever the conditions
+do.
+"""
+
+import z3
+
+from executor import terms
+
+_ROUNDS = 3  # of decisions that make others plain
+_made = {}  # ids of conditions -> the conditions, what is made of them, and what they decide
+
+
+def simplified(conditions, claim):
+    """(conditions, claim)"""
+    conditions = [c for c in conditions if not terms.known(c)]
+    key = tuple(c.get_id() for c in conditions)
+    if key not in _made:
+        _made[key] = (conditions, *_settled(conditions))
+    _, made, decisions = _made[key]
+    return made, _put(terms.truth(claim), decisions)
+
+
+def _settled(conditions):
+    made = _parts(conditions)
+    decisions = []
+    for _ in range(_ROUNDS):
+        decisions = [d for c in made for d in _decided_by(c)]
+        made = _parts(_put(c, [d for d in decisions if not _is_about_itself(d, c)]) for c in made)
+    return made, decisions
+
+
+def _parts(conditions):
+    """Conditions that all hold: each without those that it only joins."""
+    found, seen = [], set()
+    left = [z3.simplify(c) for c in conditions]
+    while left:
+        condition = left.pop()
+        if z3.is_true(condition) or condition.get_id() in seen:
+            continue
+        seen.add(condition.get_id())
+        if z3.is_and(condition):
+            left.extend(condition.children())
+        elif z3.is_not(condition) and z3.is_or(condition.arg(0)):
+            left.extend(z3.simplify(z3.Not(c)) for c in condition.arg(0).children())
+        else:
+            found.append(condition)
+    return found
+
+
+def _decided_by(condition):
+    """(term, what it is) where the condition holds."""
+    if z3.is_not(condition):
+        return [(condition.arg(0), z3.BoolVal(False))]
+    made = [(condition, z3.BoolVal(True))]
+    if z3.is_eq(condition):
+        for side, other in (condition.children(), reversed(condition.children())):
+            if z3.is_bv_value(other):
+                made.append((side, other))
+    return made
+
+
+def _is_about_itself(decision, condition):
+    return any(d.eq(decision[0]) for d, _ in _decided_by(condition))
+
+
+def _put(term, decisions):
+    return z3.simplify(z3.substitute(z3.simplify(term), *decisions)) if decisions else (
+        z3.simplify(term))
