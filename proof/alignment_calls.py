@@ -144,7 +144,7 @@ def cases_of_formats(entries=OF_FORMATS, families=FAMILIES, planes=(0, 1, 2, OTH
             for tiled in modes:
                 def key(class_):
                     case = Case(entry, family, class_.plane, tiled, class_)
-                    return _terms_of(case), is_listed_family5(case)
+                    return terms_of(case), is_listed_family5(case)
                 made += [Case(entry, family, c.plane, tiled, c)
                          for c in joined_classes(planes, key)]
     return made
@@ -171,7 +171,7 @@ def is_listed_family5(case):
 _kept = []  # so that no other term gets the number of one of these
 
 
-def _terms_of(case):
+def terms_of(case):
     """Numbers that are equal for answers of the same terms alone."""
     answer = required(case)
     _kept.append(answer)

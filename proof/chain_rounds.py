@@ -9,12 +9,14 @@ What comes to the start of the next round is held against the state that the nex
 import z3
 
 import chains
+import formats
 import setting
 from executor import terms
+from executor.ir import Local
 from executor.memory import Address, Poison
 from executor.state import Message
 from format_rows import BLOCK_COMPRESSED
-from layouts import equal
+from layouts import equal, unknown
 from records import LAYOUT
 
 
@@ -24,29 +26,32 @@ class Rounds:
         self.call = chains.Call(proof, case, facts, names=())
         self.machine, self.given = self.call.machine, self.call.given
         self.levels, self.planes = self.call.head["levels"], self.given["planes"]
+        self.is_in_blocks = case.formats and formats.traits(
+            case.formats.representative).is_block_compressed
         self.loop = chains.sizing_loop(proof.module)
         self.inner = {l.header for l in chains.loops_of(proof.module).loops if l.parent is self.loop}
         _, self.behind = chains.loops_of(proof.module).way_out(self.loop)
-        refused = setting.function_named(proof.module, chains.REFUSED)
-        self.machine.instead[refused] = self._refused
+        self.refused = setting.function_named(proof.module, chains.REFUSED)
+        self.machine.instead[self.refused] = self._refused
+        self.packed = self._packed_elements()
 
     def _refused(self, machine, state, arguments):
         """Reports once, and returns a size: shown of the function itself."""
         entry, width, height = arguments
         state.messages.append(Message(0, machine.text_at(entry), "refused", (width, height)))
-        return z3.BitVec("refused size", 64)
+        return refused_size(width, height)
 
     # ---- where rounds start
 
     def starts(self):
-        """The states in which paths first come to the loop, those together that differ in numbers
-        alone."""
-        kept = {}
+        """The states in which paths first come to the loop: those together that differ in numbers
+        alone; of a class of formats, in numbers that rounds do not read."""
+        kept, told_apart = {}, self._all_that_is_read if self.case.formats else _kinds
 
         def arrived(state):
             if state.frame.block != self.loop.header:
                 return False
-            kept.setdefault(_kinds(state.frame.values), []).append(state)
+            kept.setdefault(told_apart(state.frame.values), []).append(state)
             return True
 
         self.machine.at_header = arrived
@@ -60,6 +65,14 @@ class Rounds:
             self._show_first(state)
             state.loads = []
         return found
+
+    def _all_that_is_read(self, values):
+        read = {o.number for block in self.loop.body for i in self.machine.module.functions[
+            chains.EXPORT].blocks[block].instructions
+                for o in [*i.operands, *(value for value, _ in i.incoming)] if isinstance(o, Local)}
+        return _kinds(values) | frozenset(
+            (n, v if terms.known(v) else v.get_id()) for n, v in values.items()
+            if n in read and (terms.known(v) or isinstance(v, z3.ExprRef)))
 
     def phis(self, state):
         """The numbers of planes, of the level and of its texels."""
@@ -104,13 +117,41 @@ class Rounds:
         self.machine.at_header, self.machine.at_edge = arrived, self._edge(self._not_here)
         outcomes = self.machine.resume([state])
         self.proof.require("a level comes to its planes", found and not outcomes)
+        self.proof.require("sizes in blocks are counted", not self.is_in_blocks or all(
+            s.notes.get("of any elements") for s in found))
         return found
+
+    def _packed_elements(self):
+        """block -> where a level's size in elements is kept that a report in its round tells: both sides
+        in 64 bits."""
+        function = self.machine.module.functions[chains.EXPORT]
+        reported = {i.operands[1].number for block in self.loop.body
+                    for i in function.blocks[block].instructions
+                    if i.opcode == "call" and getattr(i.callee, "name", "") == self.refused}
+        made = {block: i.operands[0].number for block in self.loop.body
+                for i in function.blocks[block].instructions
+                if i.number in reported and i.opcode == "trunc"}
+        if len(made) != len(reported):
+            raise SystemExit(f"{chains.EXPORT}: sizes of a level are kept in another way")
+        return made
+
+    def _of_any_elements(self, state, block):
+        """From here on the level's size in elements is any, once it is shown to be what it should be."""
+        if not self.is_in_blocks or block not in self.packed:
+            return
+        kept = self.packed[block]
+        wide, high = self._blocks(*chains.texels_of("of the level"))
+        self.proof.show("a level's size in elements", state.conditions,
+                        equal(state.frame.values[kept], z3.Concat(high, wide), 64))
+        state.frame.values[kept] = z3.Concat(*reversed(self.elements()))
+        state.notes["of any elements"] = True
 
     def _not_here(self, _state):
         return not self.proof.require("a level comes to its planes first", False)
 
     def _edge(self, left):
         def gone(state, _, target):
+            self._of_any_elements(state, target)
             return target == self.behind and (left(state) or True)
         return gone
 
@@ -180,11 +221,21 @@ class Rounds:
     def elements(self):
         """The level's size in elements: its texels, or its blocks in whole pixel alignments."""
         width, height = chains.texels_of("of the level")
+        if self.case.formats:
+            return (unknown("elements wide"), unknown("elements high")) if self.is_in_blocks else (
+                width, height)
         blocks = self.call.format.word("rules") & BLOCK_COMPRESSED != 0
         columns = (width - 1 + self.call.format.wide("block_width")) / self.call.format.wide("block_width")
         rows = (height - 1 + self.call.format.wide("block_height")) / self.call.format.wide("block_height")
         step = self.call.chip.word("pixel_alignment")
         return z3.If(blocks, chains.rounded_up(columns, step, 32), width), z3.If(blocks, rows, height)
+
+    def _blocks(self, width, height):
+        """In whole pixel alignments; all formats of a class have blocks of one size."""
+        made = formats.traits(self.case.formats.representative)
+        columns, rows = ((side - 1 + block) / block for side, block in (
+            (width, made.block_width), (height, made.block_height)))
+        return chains.rounded_up(columns, self.call.chip.word("pixel_alignment"), 32), rows
 
     def cells(self, state, before, plane):
         """What a path has stored of the plane's sizes."""
@@ -196,6 +247,12 @@ class Rounds:
                            all(base <= at < base + chains.CHAIN_BYTES for at in new)
                            and set(old) <= set(state.memory.cells(chains_)))
         return {at - base: cell for at, cell in new.items()}
+
+
+def refused_size(width, height):
+    """What the rules leave of a size that they do not see: 1 x 1 of one that is negative, else itself."""
+    width, height = terms.vector(width, 32), terms.vector(height, 32)
+    return z3.If(z3.Or(width < 0, height < 0), z3.BitVecVal(1 | 1 << 32, 64), z3.Concat(height, width))
 
 
 def _kinds(values):

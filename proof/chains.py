@@ -207,6 +207,7 @@ class Case:
     flags: str = ""  # of flag buffers: "made", "not compressed" though asked for, or "not asked" for
     exact_tiles: bool = False  # of flag buffers, by the code's own tables; else any
     more: list = field(default_factory=list)  # conditions
+    formats: object = None  # format_classes.FormatClass, by the code's own table; None: any format
 
     @property
     def flag_buffers(self):
@@ -226,31 +227,40 @@ class Call:
         self.machine = ChainMachine(proof.module, proof.prover)
         self.machine.exhausted = 50_000_000
         self.start_memory = setting.place_chip(self.machine, self.chip)
-        self.format = AnyFormat(self.machine, facts, apart=False,
-                                names=list(names) + list(facts or {}) if names else None)
+        self.format = None if case.formats else AnyFormat(
+            self.machine, facts, apart=False,
+            names=list(names) + list(facts or {}) if names else None)
         self.record = setting.record("record", LAYOUT.bytes, 8, True, True)
         self.record.named = lambda offset, size: (
             f"{LAYOUT.name_of(offset)[0]} as it was" if LAYOUT.name_of(offset)[1] == size
             else f"record+{offset}:{size}")
         self.given = {
             "width": unknown("width"), "height": unknown("height"), "depth": unknown("depth"),
-            "format": unknown("format"), "samples": unknown("samples"),
+            "format": case.formats.number if case.formats else unknown("format"),
+            "samples": unknown("samples"),
             "tiling_mode": 1 if case.tiled else unknown("tiling_mode"),
             "flags": unknown("flags", 64), "planes": unknown("planes")}
         self.head = {name: z3.BitVec(self.record.named(at, size), 8 * size)
                      for name, (at, size) in READ_HEAD.items()}
-        self.conditions = [self.format.condition, self.format.number_is_the_rows(),
-                           *self.chip.conditions, *case.more, *self._flag_buffers()]
+        self.conditions = [*self._formats(), *self.chip.conditions, *case.more]
         if not case.tiled:
             self.conditions.append(terms.negation(equal(self.given["tiling_mode"], 1, 32)))
         if not case.exact_tiles:
             for name in SAMPLE_TILES:
                 self.machine.variable(name).words = _any_word(name)
-        self.machine.variable(TILES).words = _any_power_of_two(self.machine, TILES)
-        show_other_tile(self.machine)
+        if not case.formats:
+            self.machine.variable(TILES).words = _any_power_of_two(self.machine, TILES)
+            show_other_tile(self.machine)
         self.late = []
         self.machine.at_load = self._note_late
         self.levels = self.planes = None  # where a run knows them
+
+    def _formats(self):
+        if not self.case.formats:
+            return [self.format.condition, self.format.number_is_the_rows(), *self._flag_buffers()]
+        if self.case.formats.finite is not None:
+            self.machine.finite.append(self.case.formats.finite)
+        return self.case.formats.conditions
 
     def _flag_buffers(self):
         """In the words of the code, which then asks no more."""

@@ -29,7 +29,7 @@ import z3
 
 import chains
 import setting
-from chain_rounds import Rounds
+from chain_rounds import Rounds, refused_size
 from executor import terms
 from layouts import LOG_OF_PLANES, chip_of_any_family, equal
 
@@ -114,5 +114,7 @@ def refusals(proof):
                       state.messages[0].format in texts and
                       state.messages[0].function == LOG_OF_PLANES)
         proof.show("of what it says", state.conditions, texts[state.messages[0].format])
+        proof.show("the size that it returns", state.conditions,
+                   equal(outcome.value, refused_size(width, height), 64))
     proof.require("there are both", {o.state.messages[0].format for o in outcomes} == set(texts))
     proof.show_claims(machine)
