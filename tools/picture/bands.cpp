@@ -2,6 +2,8 @@
 
 #include <fmt/core.h>
 
+#include <algorithm>
+
 #include "tools/counted.h"
 #include "tools/picture/field_words.h"
 #include "tools/picture/place_names.h"
@@ -27,11 +29,18 @@ std::string range_words(const MapPart& part) {
 
 class BandWriter {
  public:
-  BandWriter(const PictureSource& source, std::span<const PlaneImage> images)
-      : source_(source), images_(images), named_(places_of(images)) {}
+  BandWriter(const PictureSource& source, std::span<const PlaneImage> images,
+             const std::vector<MapPart>& parts)
+      : source_(source),
+        images_(images),
+        named_(places_of(images)),
+        planes_share_(std::any_of(parts.begin(), parts.end(),
+                                  [](const MapPart& part) { return part.buffers.size() > 1; })) {}
 
-  [[nodiscard]] Band band(const MapPart& part) const {
-    return {part, labels(part), {title(part), explanation(part)}};
+  // `next` is the part behind it, null behind the last one.
+  [[nodiscard]] Band band(const MapPart& part, const MapPart* next) const {
+    const std::string words = part.buffers.empty() ? gap_words(next) : buffer_words(part);
+    return {part, labels(part), {title(part), words}};
   }
 
  private:
@@ -60,8 +69,8 @@ class BandWriter {
 
   // The longest first.
   [[nodiscard]] std::vector<std::string> labels(const MapPart& part) const {
-    if (part.buffers.size() > 1) return {"shared", "x"};
-    if (part.buffers.empty()) return {};
+    if (part.buffers.size() > 1) return {"several buffers", "shared"};
+    if (part.buffers.empty()) return {"no buffer"};
     const BufferSlice& buffer = part.buffers.front();
     if (part.role == Role::slices) {
       return {buffer_name(named_, buffer), fmt::format("x {} slices", buffer.slices),
@@ -88,13 +97,29 @@ class BandWriter {
     return field_words(source_.explanation, plane_field(buffer.level, buffer.plane, field));
   }
 
-  [[nodiscard]] std::string explanation(const MapPart& part) const {
-    if (part.buffers.empty()) {
-      return "It fills up to the next multiple that the chip asks for.";
+  // Why there are bytes of no buffer.
+  [[nodiscard]] std::string gap_words(const MapPart* next) const {
+    if (next != nullptr && next->buffers.size() == 1) {
+      return "What follows starts at a multiple that the chip asks for.\n" + start_words(*next);
     }
+    const std::string size = field_words(source_.explanation, "gpu_buffer_size");
+    if (!planes_share_) return "The allocation ends at a multiple that the chip asks for.\n" + size;
+    return "The allocation counts the slices of all planes one after another. They lie in each "
+           "other, so that these bytes are left over.\n" +
+           size;
+  }
+
+  [[nodiscard]] std::string start_words(const MapPart& part) const {
+    const BufferSlice& buffer = part.buffers.front();
+    if (buffer.buffer == Buffer::extra) return field_words(source_.explanation, "extra_offset");
+    if (buffer.first_slice > 0) return words(buffer, slice_pitch_of(buffer));
+    return words(buffer, buffer.buffer == Buffer::flags ? "flag_offset" : "image_offset");
+  }
+
+  [[nodiscard]] std::string buffer_words(const MapPart& part) const {
     if (part.buffers.size() > 1) {
-      return "Planes start where one slice of the planes before them ends, so that further slices "
-             "of several planes lie in the same bytes.";
+      return "A plane starts where one slice of the plane before it ends, so that further slices "
+             "of both lie in the same bytes.";
     }
     const BufferSlice& buffer = part.buffers.front();
     if (buffer.buffer == Buffer::extra) {
@@ -103,12 +128,11 @@ class BandWriter {
     }
     if (part.role == Role::slices) return words(buffer, "image_slice_pitch");
     // Every slice comes about as the first one.
-    if (buffer.first_slice > 0) return words(buffer, slice_pitch_of(buffer));
+    if (buffer.first_slice > 0) return start_words(part);
     if (buffer.buffer == Buffer::flags) {
-      return words(buffer, "flag_offset") + "\n" + words(buffer, "flag_size");
+      return start_words(part) + "\n" + words(buffer, "flag_size");
     }
-    return payload_words(buffer) + words(buffer, "image_offset") + "\n" +
-           words(buffer, "image_size");
+    return payload_words(buffer) + start_words(part) + "\n" + words(buffer, "image_size");
   }
 
   static const char* slice_pitch_of(const BufferSlice& buffer) {
@@ -125,16 +149,19 @@ class BandWriter {
   const PictureSource& source_;
   std::span<const PlaneImage> images_;
   NamedPlaces named_;
+  bool planes_share_;  // bytes
 };
 
 }  // namespace
 
 std::vector<Band> bands(const PictureSource& source, std::span<const PlaneImage> images,
                         const std::vector<MapPart>& parts) {
-  const BandWriter writer(source, images);
+  const BandWriter writer(source, images, parts);
   std::vector<Band> all;
   all.reserve(parts.size());
-  for (const MapPart& part : parts) all.push_back(writer.band(part));
+  for (std::size_t i = 0; i < parts.size(); ++i) {
+    all.push_back(writer.band(parts[i], i + 1 < parts.size() ? &parts[i + 1] : nullptr));
+  }
   return all;
 }
 

@@ -57,6 +57,7 @@ function makeZoomable(map) {
   const top = Number(bands[0].rect.getAttribute('y'));
   const height = Number(bands[0].rect.getAttribute('height'));
   for (const old of map.querySelectorAll('text, .tick-line')) old.remove();
+  const lenses = map.querySelectorAll('.lens');  // of the whole bar
   const words = document.createElementNS(SVG, 'g');
   map.append(words);
   let first = 0;
@@ -108,6 +109,7 @@ function makeZoomable(map) {
 
   function draw() {
     words.replaceChildren();
+    for (const lens of lenses) lens.style.display = end - first < bytes ? 'none' : '';
     for (const band of bands) {
       const from = Math.max(xOf(band.first), left);
       const to = Math.min(xOf(band.end), left + width);

@@ -150,10 +150,10 @@ ByteRange range_of(const Run& run, const Bar& bar, const std::vector<Band>& band
 
 class EnlargedBars {
  public:
-  EnlargedBars(PageWriter& writer, const Scene& scene) : writer_(writer), scene_(scene) {}
+  EnlargedBars(Page& page, const Scene& scene) : page_(page), scene_(scene) {}
 
-  // Below `bar`. Returns where the lowest one ends.
-  double write(const Bar& bar, std::size_t columns, int depth) {
+  // Below `bar`, whose own marks are `marks`. Returns where the lowest one ends.
+  double write(const Bar& bar, std::vector<Mark>& marks, std::size_t columns, int depth) {
     double bottom_px = bar.area.bottom_px() + kTickRoom_px;
     if (depth == 0) return bottom_px;
     const std::vector<Run> runs = largest_runs(narrow_runs(bar, scene_.bands), columns);
@@ -165,26 +165,20 @@ class EnlargedBars {
       const double width_px = (bar.area.width_px - (count - 1) * kColumnGap_px) / count;
       const Bar large = {{x_px, bar.area.bottom_px() + kTickRoom_px + kLens_px, width_px, kBar_px},
                          range};
-      write_one(bar, large);
-      bottom_px = std::max(bottom_px, write(large, 1, depth - 1));
+      marks.push_back(Lens{bar.x_px(range.first_byte), bar.x_px(range.end_byte),
+                           bar.area.bottom_px(), large.area.x_px, large.area.right_px(),
+                           large.area.y_px});
+      add_bands(page_.marks, large, scene_);
+      add_axis(page_.marks, large);
+      page_.marks.push_back(Frame{large.area});
+      bottom_px = std::max(bottom_px, write(large, page_.marks, 1, depth - 1));
       x_px += width_px + kColumnGap_px;
     }
     return bottom_px;
   }
 
  private:
-  void write_one(const Bar& bar, const Bar& large) {
-    writer_.add(Lens{bar.x_px(large.range.first_byte), bar.x_px(large.range.end_byte),
-                     bar.area.bottom_px(), large.area.x_px, large.area.right_px(),
-                     large.area.y_px});
-    std::vector<Mark> marks;
-    add_bands(marks, large, scene_);
-    add_axis(marks, large);
-    for (Mark& mark : marks) writer_.add(std::move(mark));
-    writer_.add(Frame{large.area});
-  }
-
-  PageWriter& writer_;
+  Page& page_;
   const Scene& scene_;
 };
 
@@ -205,7 +199,8 @@ void write_map(PageWriter& writer, Page& page, const Scene& scene) {
   add_axis(page.map_marks, bar);
   constexpr std::size_t kColumns = 2;
   constexpr int kDepth = 2;
-  writer.move_to(EnlargedBars(writer, scene).write(bar, kColumns, kDepth));
+  EnlargedBars enlarged(page, scene);
+  writer.move_to(enlarged.write(bar, page.map_marks, kColumns, kDepth));
 }
 
 }  // namespace tool

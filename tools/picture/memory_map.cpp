@@ -115,10 +115,10 @@ void add_slice(std::vector<Piece>& pieces, const Strand& strand, uint64_t slice)
 void add_equal_slices(std::vector<Piece>& pieces, const Strand& strand, uint64_t first,
                       uint64_t end) {
   const std::optional<uint64_t> from = slice_distance(strand, first);
-  const std::optional<uint64_t> bytes = slice_distance(strand, end - first);
-  if (!from || !bytes) return;
-  Piece piece = {Role::slices, first_byte(strand), *bytes, strand.pieces.front().buffer};
-  if (__builtin_add_overflow(piece.offset, *from, &piece.offset)) return;
+  Piece piece = {Role::slices, first_byte(strand),
+                 slice_distance(strand, end - first).value_or(UINT64_MAX),
+                 strand.pieces.front().buffer};
+  if (!from || __builtin_add_overflow(piece.offset, *from, &piece.offset)) return;
   piece.buffer.first_slice = first;
   piece.buffer.slices = end - first;
   pieces.push_back(piece);

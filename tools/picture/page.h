@@ -49,7 +49,12 @@ struct Grid {
 // A border without a filling.
 struct Frame {
   Area area;
-  bool behind = false;  // a further slice, behind the one that is drawn
+};
+
+// A further slice, behind the one that is drawn.
+struct SliceBehind {
+  Area area;
+  Role role = Role::payload;
 };
 
 // What connects a part of one bar with the same part enlarged: from a line to a longer one.
@@ -79,7 +84,7 @@ struct Tick {
   double bottom_px = 0;
 };
 
-using Mark = std::variant<Box, Grid, Frame, Lens, Text, Tick>;
+using Mark = std::variant<Box, Grid, Frame, SliceBehind, Lens, Text, Tick>;
 
 struct Page {
   double width_px = 0;

@@ -1,5 +1,8 @@
 #include "tools/picture/scene.h"
 
+#include <fmt/core.h>
+
+#include "formats/format_traits.h"
 #include "tools/picture/bands.h"
 #include "tools/picture/sheets.h"
 #include "tools/picture/totals.h"
@@ -7,10 +10,15 @@
 namespace tool {
 namespace {
 
-std::string elements_sentence(const korvel::FormatTraits& format) {
-  if (!korvel::has_rule(format, korvel::kRuleBlockCompressed)) return "One element is one texel.";
-  return fmt::format("One element is one block of {} x {} texels.", format.block.width,
-                     format.block.height);
+std::string elements_sentence(const SurfaceRequest& request) {
+  const korvel::FormatTraits& format = korvel::format_traits(request.format);
+  std::string text = "One element is one texel.";
+  if (korvel::has_rule(format, korvel::kRuleBlockCompressed)) {
+    text = fmt::format("One element is one block of {} x {} texels.", format.block.width,
+                       format.block.height);
+  }
+  if (request.planes > 1) text += " Every plane takes the whole size of the surface, chroma too.";
+  return text;
 }
 
 }  // namespace
@@ -23,7 +31,7 @@ Scene make_scene(const PictureSource& source) {
       .title = request_label(source.request),
       .chip = source.chip_words,
       .totals = totals(source, images),
-      .elements = elements_sentence(korvel::format_traits(source.request.format)),
+      .elements = elements_sentence(source.request),
       .sheets = sheets(source, images),
       .allocation_bytes = allocation_bytes,
       .bands = bands(source, images, memory_map(images, record, allocation_bytes)),

@@ -37,6 +37,8 @@ struct SheetPart {
 struct Sheet {
   enum class Kind : uint8_t { image, flags };
   Kind kind = Kind::image;
+  uint32_t level = 0;
+  uint32_t plane = 0;
   uint32_t width = 0;        // cells
   uint32_t height = 0;       // rows
   uint32_t tile_width = 0;   // cells; 0 without tiles

@@ -16,6 +16,7 @@ struct Scale {
 
 constexpr double kThinnest_px = 24;
 constexpr double kSheetGap_px = 24;
+constexpr double kRowGap_px = 14;  // between cells below each other
 constexpr double kLine_px = 15;
 constexpr double kBehind_px = 5;  // how far a further slice looks out
 constexpr uint64_t kMostBehind = 2;
@@ -127,10 +128,12 @@ class CellWriter {
 
  private:
   void further_slices() {
+    const bool flags = cell_.sheet.kind == Sheet::Kind::flags;
     for (uint64_t i = std::min(cell_.sheet.slices - 1, kMostBehind); i > 0; --i) {
       const double shift_px = kBehind_px * static_cast<double>(i);
-      page_.add(Frame{
-          {area_.x_px + shift_px, area_.y_px - shift_px, area_.width_px, area_.height_px}, true});
+      page_.add(SliceBehind{
+          {area_.x_px + shift_px, area_.y_px - shift_px, area_.width_px, area_.height_px},
+          flags ? Role::flags : Role::payload});
     }
   }
 
@@ -182,17 +185,11 @@ class CellWriter {
 // ---- Which cells there are ----
 
 Cell whole_cell(const Sheet& sheet, Scale scale) {
-  Cell cell = {sheet, whole(sheet), scale, sheet.name, sheet.captions};
-  if (sheet.tile_width == 0) return cell;
-  if (const uint64_t tiles = tiles_of_grid(sheet, scale); tiles > 1) {
-    cell.captions.push_back({fmt::format("grid: {} x {} tiles", tiles, tiles),
-                             "Lines between single tiles would be too close to each other."});
-  }
-  return cell;
+  return {sheet, whole(sheet), scale, sheet.name, sheet.captions};
 }
 
 bool is_tiny(const Sheet& sheet, Scale scale) {
-  return sheet.width * scale.x_px < 40 || sheet.height * scale.y_px < kThinnest_px;
+  return sheet.width * scale.x_px < kThinnest_px || sheet.height * scale.y_px < kThinnest_px;
 }
 
 // The thinnest padding that cannot be seen; 0 for none.
@@ -220,24 +217,59 @@ Cell corner_cell(const Sheet& sheet, Scale scale, double padding) {
           {sheet.width - width, sheet.height - height, width, height},
           {cell_px, cell_px},
           "its lower right corner",
-          {{fmt::format("the last {:.0f} x {:.0f} elements", width, height)},
+          {{fmt::format("{:.0f} elements x {:.0f} rows", width, height)},
            {fmt::format("{:.0f} times as large", cell_px / scale.x_px)}}};
 }
 
-std::vector<Cell> enlarged_cells(const std::vector<const Sheet*>& tiny, Scale scale) {
-  std::vector<Cell> cells;
-  const Scale large = scale_for(tiny, {120, 90, 8});
-  for (const Sheet* sheet : tiny) {
-    std::vector<Said> captions = {{fmt::format("{:.0f} times as large", large.x_px / scale.x_px)}};
-    if (!sheet->parts.empty()) {
-      const SheetPart& payload = sheet->parts.front();
-      captions.push_back(
-          {fmt::format("{} x {} asked for", payload.width, payload.height), payload.said.text});
-    }
-    cells.push_back({*sheet, whole(*sheet), large, sheet->name, std::move(captions)});
-  }
-  return cells;
+// A small level in its place: where it lies is said where it is drawn larger.
+Cell tiny_cell(const Sheet& sheet, Scale scale) {
+  return {sheet, whole(sheet), scale, sheet.name, {sheet.captions.front()}};
 }
+
+Cell enlarged_cell(const Sheet& sheet, Scale scale) {
+  const Scale large = scale_for({&sheet}, {128, 80, 8});
+  Cell cell = whole_cell(sheet, large);
+  if (!sheet.parts.empty()) {
+    const SheetPart& payload = sheet.parts.front();
+    cell.captions.push_back(
+        {fmt::format("{} x {} asked for", payload.width, payload.height), payload.said.text});
+  }
+  cell.captions.push_back({fmt::format("{:.0f} times as large", large.x_px / scale.x_px)});
+  return cell;
+}
+
+// ---- Tiles ----
+
+bool have_one_tile(const std::vector<const Sheet*>& sheets) {
+  return std::all_of(sheets.begin(), sheets.end(), [&sheets](const Sheet* sheet) {
+    return sheet->tile_width == sheets.front()->tile_width &&
+           sheet->tile_height == sheets.front()->tile_height;
+  });
+}
+
+// "A tile is 64 elements x 16 rows; its elements lie together in memory."
+std::string tile_sentence(const std::vector<const Sheet*>& sheets, Scale scale) {
+  const Sheet& first = *sheets.front();
+  if (first.tile_width == 0) return {};
+  if (!have_one_tile(sheets)) return " The elements of a tile lie together in memory.";
+  const uint64_t tiles = tiles_of_grid(first, scale);
+  const std::string grid =
+      tiles == 1 ? "" : fmt::format(" The grid shows {} x {} of them in one cell.", tiles, tiles);
+  return fmt::format(" The elements of a tile, {} elements x {} rows, lie together in memory.{}",
+                     first.tile_width, first.tile_height, grid);
+}
+
+// Where tiles differ from sheet to sheet.
+void say_own_tile(Cell& cell) {
+  const Sheet& sheet = cell.sheet;
+  if (sheet.tile_width == 0) return;
+  const uint64_t tiles = tiles_of_grid(sheet, cell.scale);
+  cell.captions.push_back(
+      {fmt::format("tiles of {} elements x {} rows", sheet.tile_width, sheet.tile_height)});
+  if (tiles > 1) cell.captions.push_back({fmt::format("grid: {} x {} tiles", tiles, tiles)});
+}
+
+// ---- Sections ----
 
 std::vector<const Sheet*> of_kind(const Scene& scene, Sheet::Kind kind) {
   std::vector<const Sheet*> sheets;
@@ -253,67 +285,107 @@ Room image_room(std::size_t images) {
   return {400, 300, 8};
 }
 
-// Next to each other from the left, in rows.
+// From the left in rows. What is no higher than a row's first cell stands below each other in it.
 void write_cells(PageWriter& page, const std::vector<Cell>& cells) {
-  double x_px = kMargin_px;
-  double row_px = 0;
+  constexpr double kRight_px = kMargin_px + kContentWidth_px;
   page.space(12);
+  double row_px = 0;  // height of the row
+  double column_px = kMargin_px;
+  double column_width_px = 0;
+  double used_px = 0;  // of the column's height
   for (const Cell& cell : cells) {
     const double width_px = cell_width_px(cell);
-    if (x_px > kMargin_px && x_px + width_px > kMargin_px + kContentWidth_px) {
+    const double height_px = cell_height_px(cell);
+    const bool below = used_px > 0 && used_px + kRowGap_px + height_px <= row_px &&
+                       column_px + width_px <= kRight_px;
+    if (!below && used_px > 0) {
+      column_px += column_width_px + kSheetGap_px;
+      column_width_px = used_px = 0;
+    }
+    if (used_px == 0 && column_px > kMargin_px && column_px + width_px > kRight_px) {
       page.space(row_px + kSheetGap_px);
-      x_px = kMargin_px;
+      column_px = kMargin_px;
       row_px = 0;
     }
-    CellWriter(page, cell, x_px, page.y_px()).write();
-    x_px += width_px + kSheetGap_px;
-    row_px = std::max(row_px, cell_height_px(cell));
+    if (used_px > 0) used_px += kRowGap_px;
+    CellWriter(page, cell, column_px, page.y_px() + used_px).write();
+    used_px += height_px;
+    column_width_px = std::max(column_width_px, width_px);
+    row_px = std::max(row_px, used_px);
   }
   page.space(row_px + kSheetGap_px);
 }
 
-void write_images(PageWriter& page, const Scene& scene) {
-  const std::vector<const Sheet*> images = of_kind(scene, Sheet::Kind::image);
-  if (images.empty()) return;
-  const Scale scale = scale_for(images, image_room(images.size()));
-  std::vector<Cell> cells;
-  std::vector<const Sheet*> tiny;
-  for (const Sheet* image : images) {
-    cells.push_back(whole_cell(*image, scale));
-    if (is_tiny(*image, scale)) {
-      tiny.push_back(image);
-      continue;
-    }
-    const double padding = hidden_padding(*image, scale);
-    if (padding > 0) cells.push_back(corner_cell(*image, scale, padding));
-  }
-  page.space(18);
-  page.paragraph(TextKind::heading,
-                 {images.size() == 1 ? "The image" : "The images, to one scale"});
-  page.paragraph(TextKind::plain, {scene.elements + stretch_sentence(scale, "elements", "rows")});
-  write_cells(page, cells);
-  if (tiny.empty()) return;
-  page.paragraph(TextKind::heading, {"The small ones again, larger"});
-  write_cells(page, enlarged_cells(tiny, scale));
-}
-
-void write_flags(PageWriter& page, const Scene& scene) {
-  const std::vector<const Sheet*> flags = of_kind(scene, Sheet::Kind::flags);
-  if (flags.empty()) return;
-  const Scale scale = scale_for(flags, {220, 150, 3});
+std::vector<Cell> flag_cells(const std::vector<const Sheet*>& flags, Scale scale) {
   std::vector<Cell> cells;
   for (const Sheet* sheet : flags) cells.push_back(whole_cell(*sheet, scale));
-  page.paragraph(TextKind::heading, {"Flag buffers, to a scale of their own"});
-  page.paragraph(TextKind::plain, {"One byte says how well a tile of the image is compressed." +
-                                   stretch_sentence(scale, "bytes", "rows of flags")});
-  write_cells(page, cells);
+  return cells;
 }
+
+std::string flag_sentence(Scale scale) {
+  return "One byte of a flag buffer says how well the GPU compressed one part of the image." +
+         stretch_sentence(scale, "bytes", "rows of flags");
+}
+
+struct ImageCells {
+  std::vector<Cell> cells;
+  std::vector<Cell> enlarged;
+};
+
+// Each image with its flag buffer behind it, where `flags` has one.
+ImageCells image_cells(const std::vector<const Sheet*>& images, Scale scale,
+                       const std::vector<Cell>& flags) {
+  const bool one_tile = have_one_tile(images);
+  ImageCells all;
+  for (const Sheet* image : images) {
+    if (images.size() > 1 && is_tiny(*image, scale)) {
+      all.cells.push_back(tiny_cell(*image, scale));
+      all.enlarged.push_back(enlarged_cell(*image, scale));
+    } else {
+      Cell& cell = all.cells.emplace_back(whole_cell(*image, scale));
+      if (!one_tile) say_own_tile(cell);
+      const double padding = hidden_padding(*image, scale);
+      if (padding > 0) all.cells.push_back(corner_cell(*image, scale, padding));
+    }
+    for (const Cell& cell : flags) {
+      if (cell.sheet.level == image->level && cell.sheet.plane == image->plane) {
+        all.cells.push_back(cell);
+      }
+    }
+  }
+  return all;
+}
+
+// Of a chain the flag buffers have a section of their own.
+constexpr std::size_t kMostPlanes = 3;
 
 }  // namespace
 
 void write_sheets(PageWriter& page, const Scene& scene) {
-  write_images(page, scene);
-  write_flags(page, scene);
+  const std::vector<const Sheet*> images = of_kind(scene, Sheet::Kind::image);
+  const std::vector<const Sheet*> flags = of_kind(scene, Sheet::Kind::flags);
+  if (images.empty()) return;
+  const Scale scale = scale_for(images, image_room(images.size()));
+  const Scale flag_scale = scale_for(flags, {220, 150, 3});
+  const bool together = images.size() <= kMostPlanes && !flags.empty();
+  const std::vector<Cell> all_flags = flag_cells(flags, flag_scale);
+  const ImageCells cells = image_cells(images, scale, together ? all_flags : std::vector<Cell>());
+  page.space(18);
+  page.paragraph(TextKind::heading, {together ? "Images, and flag buffers to a scale of their own"
+                                     : images.size() == 1 ? "The image"
+                                                          : "The images, to one scale"});
+  page.paragraph(TextKind::plain, {scene.elements + tile_sentence(images, scale) +
+                                   stretch_sentence(scale, "elements", "rows")});
+  if (together) page.paragraph(TextKind::plain, {flag_sentence(flag_scale)});
+  write_cells(page, cells.cells);
+  if (!cells.enlarged.empty()) {
+    page.paragraph(TextKind::heading, {"The small levels again, each as large as fits"});
+    write_cells(page, cells.enlarged);
+  }
+  if (together || flags.empty()) return;
+  page.paragraph(TextKind::heading, {"Flag buffers, to a scale of their own"});
+  page.paragraph(TextKind::plain, {flag_sentence(flag_scale)});
+  write_cells(page, all_flags);
 }
 
 }  // namespace tool

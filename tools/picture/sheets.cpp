@@ -24,6 +24,8 @@ class SheetWriter {
     const PlaneLayout& layout = image.layout;
     Sheet sheet;
     sheet.kind = Sheet::Kind::image;
+    sheet.level = image.level;
+    sheet.plane = image.plane;
     sheet.width = layout.image_width;
     sheet.height = layout.image_height;
     sheet.tile_width = image.tile.width;
@@ -39,6 +41,8 @@ class SheetWriter {
     const PlaneLayout& layout = image.layout;
     Sheet sheet;
     sheet.kind = Sheet::Kind::flags;
+    sheet.level = image.level;
+    sheet.plane = image.plane;
     sheet.width = layout.flag_pitch;
     sheet.height = layout.flag_pitch == 0 ? 0
                                           : static_cast<uint32_t>(std::min<uint64_t>(
@@ -108,17 +112,12 @@ class SheetWriter {
                      counted(layout.image_height, "row")),
          words(image, "image_width") + "\n" + words(image, "image_height")},
         {fmt::format("pitch {}", counted(layout.image_pitch, "byte")), words(image, "image_pitch")},
-        {fmt::format("at 0x{:X}, {}", layout.image_offset, counted(layout.image_size, "byte")),
+        {fmt::format("offset 0x{:X}, {}", layout.image_offset, counted(layout.image_size, "byte")),
          words(image, "image_offset") + "\n" + words(image, "image_size")}};
     if (image.slices > 1) {
       captions.push_back({fmt::format("{}, {} apart", counted(image.slices, "slice"),
                                       counted(layout.image_slice_pitch, "byte")),
                           words(image, "image_slice_pitch")});
-    }
-    if (image.tile.width != 0) {
-      captions.push_back({fmt::format("tiles of {} x {}", counted(image.tile.width, "element"),
-                                      counted(image.tile.height, "row")),
-                          "The elements of a tile lie together in memory."});
     }
     return captions;
   }
@@ -168,12 +167,12 @@ class SheetWriter {
     const PlaneLayout& layout = image.layout;
     std::vector<Said> captions = {
         {fmt::format("pitch {}", counted(layout.flag_pitch, "byte")), words(image, "flag_pitch")},
-        {fmt::format("at 0x{:X}, {}", layout.flag_offset, counted(layout.flag_size, "byte")),
+        {fmt::format("offset 0x{:X}, {}", layout.flag_offset, counted(layout.flag_size, "byte")),
          words(image, "flag_offset") + "\n" + words(image, "flag_size")}};
     if (image.flag_tile.width != 0) {
-      captions.push_back(
-          {fmt::format("1 byte a tile of {} x {}", image.flag_tile.width, image.flag_tile.height),
-           "Elements and rows of the image that one byte of flags stands for."});
+      captions.push_back({fmt::format("1 byte for {} x {} elements", image.flag_tile.width,
+                                      image.flag_tile.height),
+                          "Elements and rows of the image that one byte of flags stands for."});
     }
     return captions;
   }

@@ -35,9 +35,9 @@ std::string_view picture_style() {
     .slices { fill: url(#fill-slices); }
     .hatch { stroke: #000; stroke-opacity: .38; stroke-width: 1; fill: none; }
     .edge { stroke: #000; stroke-opacity: .45; stroke-width: .75; }
-    .grid { fill: none; stroke: #000; stroke-opacity: .28; stroke-width: .75; }
+    .grid { fill: none; stroke: #000; stroke-opacity: .5; stroke-width: .75; }
     .frame { fill: none; stroke: var(--ink); stroke-width: 1; }
-    .behind { fill: var(--payload); fill-opacity: .45; stroke: var(--ink); stroke-width: 1; }
+    .behind { fill-opacity: .5; stroke: var(--ink); stroke-width: 1; }
     .lens { fill: var(--faint); fill-opacity: .16; }
     .tick-line { stroke: var(--faint); stroke-width: 1; }
     text {

@@ -84,9 +84,15 @@ class SvgWriter {
   }
 
   void operator()(const Frame& frame) {
-    append(R"(<rect class="{}" {} pointer-events="none"/>)"
+    append(R"(<rect class="frame" {} pointer-events="none"/>)"
            "\n",
-           frame.behind ? "behind" : "frame", place_attributes(frame.area));
+           place_attributes(frame.area));
+  }
+
+  void operator()(const SliceBehind& slice) {
+    append(R"(<rect class="{} behind" {}/>)"
+           "\n",
+           words_of(slice.role).name, place_attributes(slice.area));
   }
 
   void operator()(const Lens& lens) {
