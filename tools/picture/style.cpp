@@ -10,7 +10,7 @@ std::string_view picture_style() {
       color-scheme: light dark;
       --ground: #ffffff; --ink: #1b1f24; --faint: #57606a; --rule: #d0d7de;
       --payload: #6fb7e9; --padding-right: #e69f00; --padding-below: #f0e442;
-      --flags: #12b886; --extra: #d39ac0; --gap: #c4c9cf; --shared: #e5673b;
+      --flags: #1f9a7f; --extra: #b06ab3; --gap: #b4b9bf; --shared: #e5673b;
       --slices: #b9dcf5; --warning: #b3320b;
     }
     @media (prefers-color-scheme: dark) {
