@@ -56,7 +56,7 @@ class BandWriter {
       return text;
     }
     const BufferSlice& buffer = part.buffers.front();
-    const std::string text = buffer_name(named_, buffer);
+    std::string text = buffer_name(named_, buffer);
     switch (part.role) {
       case Role::gap: return text + ", alignment behind its rows";
       case Role::padding_below: return text + ", padding below";

@@ -39,11 +39,11 @@ void add_label(std::vector<Mark>& marks, const Band& band, const Area& area) {
   constexpr double kSides_px = 8;
   for (const std::string& label : band.labels) {
     if (text_width_px(label, text_size_px(TextKind::label)) + kSides_px > area.width_px) continue;
-    marks.push_back(Text{area.x_px + area.width_px / 2,
-                         area.y_px + area.height_px / 2 + 4,
-                         TextKind::label,
-                         Anchor::middle,
-                         {label}});
+    marks.emplace_back(Text{area.x_px + area.width_px / 2,
+                            area.y_px + area.height_px / 2 + 4,
+                            TextKind::label,
+                            Anchor::middle,
+                            {label}});
     return;
   }
 }
@@ -53,8 +53,8 @@ void add_bands(std::vector<Mark>& marks, const Bar& bar, const Scene& scene) {
     const double width_px = bar.width_px(band.part);
     if (width_px <= 0) continue;
     const Area area = {bar.x_px(band.part.first_byte), bar.area.y_px, width_px, kBar_px};
-    marks.push_back(Box{area, band.part.role, band.said,
-                        ByteRange{band.part.first_byte, band.part.end_byte}, band.labels});
+    marks.emplace_back(Box{area, band.part.role, band.said,
+                           ByteRange{band.part.first_byte, band.part.end_byte}, band.labels});
     add_label(marks, band, area);
   }
 }
@@ -68,12 +68,12 @@ std::string offset_words(uint64_t byte) {
 void add_tick(std::vector<Mark>& marks, const Bar& bar, uint64_t byte, Anchor anchor) {
   const double x_px = bar.x_px(byte);
   const double bottom_px = bar.area.bottom_px();
-  marks.push_back(Tick{x_px, bottom_px, bottom_px + 5});
-  marks.push_back(Text{x_px,
-                       bottom_px + 16,
-                       TextKind::tick,
-                       anchor,
-                       {offset_words(byte), fmt::format("offset {}", counted(byte, "byte"))}});
+  marks.emplace_back(Tick{x_px, bottom_px, bottom_px + 5});
+  marks.emplace_back(Text{x_px,
+                          bottom_px + 16,
+                          TextKind::tick,
+                          anchor,
+                          {offset_words(byte), fmt::format("offset {}", counted(byte, "byte"))}});
 }
 
 double offset_width_px(uint64_t byte) {
@@ -165,12 +165,12 @@ class EnlargedBars {
       const double width_px = (bar.area.width_px - (count - 1) * kColumnGap_px) / count;
       const Bar large = {{x_px, bar.area.bottom_px() + kTickRoom_px + kLens_px, width_px, kBar_px},
                          range};
-      marks.push_back(Lens{bar.x_px(range.first_byte), bar.x_px(range.end_byte),
-                           bar.area.bottom_px(), large.area.x_px, large.area.right_px(),
-                           large.area.y_px});
+      marks.emplace_back(Lens{bar.x_px(range.first_byte), bar.x_px(range.end_byte),
+                              bar.area.bottom_px(), large.area.x_px, large.area.right_px(),
+                              large.area.y_px});
       add_bands(page_.marks, large, scene_);
       add_axis(page_.marks, large);
-      page_.marks.push_back(Frame{large.area});
+      page_.marks.emplace_back(Frame{large.area});
       bottom_px = std::max(bottom_px, write(large, page_.marks, 1, depth - 1));
       x_px += width_px + kColumnGap_px;
     }

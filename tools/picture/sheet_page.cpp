@@ -318,6 +318,7 @@ void write_cells(PageWriter& page, const std::vector<Cell>& cells) {
 
 std::vector<Cell> flag_cells(const std::vector<const Sheet*>& flags, Scale scale) {
   std::vector<Cell> cells;
+  cells.reserve(flags.size());
   for (const Sheet* sheet : flags) cells.push_back(whole_cell(*sheet, scale));
   return cells;
 }

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 
+#include "layout/surface.h"
 #include "tools/counted.h"
 #include "tools/picture/field_words.h"
 #include "tools/picture/place_names.h"

@@ -54,7 +54,8 @@ bool has_many_slices(const Band& band) {
 
 // Slices drawn as one are named by their plane and their numbers.
 void expect_owner_among_many(const Band& band, const Owner& owner, const std::string& where) {
-  const auto& [buffer, l, p, slice] = owner;
+  const uint32_t p = std::get<2>(owner);
+  const uint64_t slice = std::get<3>(owner);
   const bool named = std::any_of(
       band.part.buffers.begin(), band.part.buffers.end(), [&](const BufferSlice& named_buffer) {
         return named_buffer.plane == p && slice >= named_buffer.first_slice &&
