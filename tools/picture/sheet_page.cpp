@@ -324,7 +324,7 @@ std::vector<Cell> flag_cells(const std::vector<const Sheet*>& flags, Scale scale
 }
 
 std::string flag_sentence(Scale scale) {
-  return "One byte of a flag buffer says how well the GPU compressed one part of the image." +
+  return "One byte of a flag buffer says how one small part of the image is compressed." +
          stretch_sentence(scale, "bytes", "rows of flags");
 }
 

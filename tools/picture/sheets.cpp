@@ -144,7 +144,7 @@ class SheetWriter {
          {fmt::format("{}: {} x {}, one for each tile of {} x {}", name, counted(width, "byte"),
                       counted(height, "row"), counted(image.flag_tile.width, "element"),
                       counted(image.flag_tile.height, "row")),
-          "How well the GPU compressed each tile of the image."}},
+          "How each of these tiles of the image is compressed."}},
         {Role::padding_right,
          width,
          0,
