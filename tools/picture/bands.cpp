@@ -11,16 +11,6 @@
 namespace tool {
 namespace {
 
-NamedPlaces places_of(std::span<const PlaneImage> images) {
-  NamedPlaces named;
-  for (const PlaneImage& image : images) {
-    named.levels = named.levels || image.level > 0;
-    named.planes = named.planes || image.plane > 0;
-    named.slices = named.slices || image.slices > 1;
-  }
-  return named;
-}
-
 std::string range_words(const MapPart& part) {
   const uint64_t bytes = part.end_byte - part.first_byte;
   return fmt::format("0x{:X} to 0x{:X}, {}", part.first_byte, part.end_byte - 1,
@@ -33,7 +23,7 @@ class BandWriter {
              const std::vector<MapPart>& parts)
       : source_(source),
         images_(images),
-        named_(places_of(images)),
+        named_(named_places(images)),
         planes_share_(std::any_of(parts.begin(), parts.end(),
                                   [](const MapPart& part) { return part.buffers.size() > 1; })) {}
 

@@ -183,8 +183,8 @@ function makeZoomable(map) {
       action();
     });
   }
-  bar.hidden = false;
   draw();
+  bar.hidden = false;
 }
 )JS";
 }

@@ -26,6 +26,16 @@ std::string_view noun_of(Buffer buffer) {
 
 }  // namespace
 
+NamedPlaces named_places(std::span<const PlaneImage> images) {
+  NamedPlaces named;
+  for (const PlaneImage& image : images) {
+    named.levels = named.levels || image.level > 0;
+    named.planes = named.planes || image.plane > 0;
+    named.slices = named.slices || image.slices > 1;
+  }
+  return named;
+}
+
 std::string place_name(NamedPlaces named, uint32_t level, uint32_t plane) {
   std::string text;
   if (named.levels) append(text, ", ", fmt::format("level {}", level));

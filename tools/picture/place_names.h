@@ -2,9 +2,11 @@
 #pragma once
 
 #include <cstdint>
+#include <span>
 #include <string>
 
 #include "tools/picture/memory_map.h"
+#include "tools/picture/plane_image.h"
 
 namespace tool {
 
@@ -14,6 +16,8 @@ struct NamedPlaces {
   bool planes = false;
   bool slices = false;
 };
+
+NamedPlaces named_places(std::span<const PlaneImage> images);
 
 // "level 2, plane 0"; empty where there is but one of each.
 std::string place_name(NamedPlaces named, uint32_t level, uint32_t plane);

@@ -43,8 +43,13 @@ struct Cell {
 
   [[nodiscard]] double drawn_width_px() const { return std::max(window.width * scale.x_px, 1.0); }
   [[nodiscard]] double drawn_height_px() const { return std::max(window.height * scale.y_px, 1.0); }
+  // Further slices that look out from behind: none where they would hide how small a sheet is.
+  [[nodiscard]] uint64_t slices_behind() const {
+    const bool small = std::min(drawn_width_px(), drawn_height_px()) < kThinnest_px;
+    return small ? 0 : std::min(sheet.slices - 1, kMostBehind);
+  }
   [[nodiscard]] double behind_px() const {
-    return kBehind_px * static_cast<double>(std::min(sheet.slices - 1, kMostBehind));
+    return kBehind_px * static_cast<double>(slices_behind());
   }
 };
 
@@ -129,7 +134,7 @@ class CellWriter {
  private:
   void further_slices() {
     const bool flags = cell_.sheet.kind == Sheet::Kind::flags;
-    for (uint64_t i = std::min(cell_.sheet.slices - 1, kMostBehind); i > 0; --i) {
+    for (uint64_t i = cell_.slices_behind(); i > 0; --i) {
       const double shift_px = kBehind_px * static_cast<double>(i);
       page_.add(SliceBehind{
           {area_.x_px + shift_px, area_.y_px - shift_px, area_.width_px, area_.height_px},
@@ -194,7 +199,7 @@ bool is_tiny(const Sheet& sheet, Scale scale) {
 
 // The thinnest padding that cannot be seen; 0 for none.
 double hidden_padding(const Sheet& sheet, Scale scale) {
-  constexpr double kVisible_px = 4;
+  constexpr double kVisible_px = 3;
   double thinnest = 0;
   for (const SheetPart& part : sheet.parts) {
     const bool right = part.role == Role::padding_right;

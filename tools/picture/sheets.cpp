@@ -14,12 +14,8 @@ namespace {
 
 class SheetWriter {
  public:
-  SheetWriter(const PictureSource& source, std::span<const PlaneImage> images) : source_(source) {
-    for (const PlaneImage& image : images) {
-      named_.levels = named_.levels || image.level > 0;
-      named_.planes = named_.planes || image.plane > 0;
-    }
-  }
+  SheetWriter(const PictureSource& source, std::span<const PlaneImage> images)
+      : source_(source), named_(named_places(images)) {}
 
   [[nodiscard]] Sheet image_sheet(const PlaneImage& image) const {
     const PlaneLayout& layout = image.layout;

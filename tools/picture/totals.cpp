@@ -27,7 +27,8 @@ std::vector<Said> totals(const PictureSource& source, std::span<const PlaneImage
   sentences.push_back({fmt::format("GPU allocation: {} (0x{:X})", counted(allocation_bytes, "byte"),
                                    allocation_bytes),
                        field_words(source.explanation, "gpu_buffer_size")});
-  if (allocation_bytes == 0) return sentences;
+  // Bytes that wrapped hold less than was asked for, and so do slices that lie in each other.
+  if (allocation_bytes == 0 || payload > static_cast<double>(allocation_bytes)) return sentences;
   sentences.push_back(
       {fmt::format("{:.0f} bytes of it, {:.1f} %, hold elements that were asked for", payload,
                    100 * payload / static_cast<double>(allocation_bytes)),

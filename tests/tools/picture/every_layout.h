@@ -10,6 +10,9 @@
 
 namespace picture_test {
 
+// One in so many layouts: all of them where nothing slows calls down.
+inline constexpr std::size_t kStride = KORVEL_PICTURE_STRIDE;
+
 // Calls visit(request, picture) for each. Returns how many there were.
 template <typename Visit>
 std::size_t for_every_layout(Visit visit) {
@@ -21,6 +24,7 @@ std::size_t for_every_layout(Visit visit) {
       {1, 0x7FFFFFFF, 1}, {16385, 12, 4}, {65536, 65536, 2}, {0x7FFFFFFF, 0x7FFFFFFF, 0x7FFFFFFF}};
   constexpr uint64_t kFlags[] = {0, LAYOUT_FLAG_UBWC,
                                  LAYOUT_FLAG_UBWC | LAYOUT_FLAG_EXTRA | LAYOUT_FLAG_EXTENDED};
+  std::size_t number = 0;
   std::size_t layouts = 0;
   for (const uint32_t family : {5U, 6U, 7U}) {
     const korvel::ChipRow& chip = tool_test::row_of(harness::full_chip(family).chip_id);
@@ -37,6 +41,7 @@ std::size_t for_every_layout(Visit visit) {
             request.levels = levels;
             if (i % 5 == 2) request.planes = 3;
             if (!tool::forecast_fault(chip, request).empty()) continue;
+            if (number++ % kStride != 0) continue;
             visit(request, pictured(gpu, chip, request));
             if (testing::Test::HasFatalFailure()) return layouts;
             ++layouts;
@@ -50,6 +55,6 @@ std::size_t for_every_layout(Visit visit) {
 }
 
 // 3 families x 13 formats and modes x 12 sizes x 3 chains, but for those that fault.
-inline constexpr std::size_t kLeastLayouts = 1300;
+inline constexpr std::size_t kLeastLayouts = 1300 / kStride;
 
 }  // namespace picture_test
