@@ -14,6 +14,16 @@
 #include "tools/surface_layout.h"
 
 namespace tool {
+namespace {
+
+std::string json_text(const SimulatedChip& chip, const SurfaceRequest& request,
+                      const LayoutMetadata& blob, const std::vector<std::string>& warnings) {
+  nlohmann::ordered_json json = layout_json(chip, request, blob);
+  json["warnings"] = warnings;
+  return json.dump(2) + "\n";
+}
+
+}  // namespace
 
 int show(const ShowOptions& options) {
   if (options.force && !options.blob && !options.svg && !options.html) {
@@ -28,16 +38,11 @@ int show(const ShowOptions& options) {
   if (options.blob) {
     write_file("--blob", *options.blob, std::as_bytes(std::span(&blob, 1)), options.force);
   }
-  print_warnings(warnings);
   write_pictures(options, chip, request, blob, warnings);
-  if (picture_alone) {
-    // Standard output has the picture.
-  } else if (options.json) {
-    nlohmann::ordered_json json = layout_json(chip, request, blob);
-    json["warnings"] = warnings;
-    print_data(json.dump(2) + "\n");
-  } else {
-    print_data(layout_text(chip, request, blob));
+  print_warnings(warnings);
+  if (!picture_alone) {
+    print_data(options.json ? json_text(chip, request, blob, warnings)
+                            : layout_text(chip, request, blob));
   }
   return options.strict && !warnings.empty() ? kExitRefused : kExitDone;
 }

@@ -70,6 +70,13 @@ TEST(ShowPictures, ReportWhatCannotBeWritten) {
   EXPECT_EQ(folder.count(), 0U);
 }
 
+// A layout that warns, too, is refused with one line.
+TEST(ShowPictures, AreWrittenBeforeWarnings) {
+  const ScratchFolder folder;
+  const std::string path = folder.file("picture", "precious");
+  reason_of_refusal(run_tool("show --format nv12 --planes 3 --size 64x64 --svg " + path));
+}
+
 TEST(ShowPictures, NeedAPictureForForce) {
   const std::string reason = reason_of_refusal(run_tool_with(show_with({"--force"})));
   EXPECT_EQ(reason, "--force counts only beside --blob, --svg or --html");
