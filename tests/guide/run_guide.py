@@ -5,7 +5,7 @@ tests/guide/run_guide.py KORVEL_LAYOUT GUIDE [--write]
 
 Blocks of the kind `console` hold commands, each behind "$ ", and below each what it prints on standard
 output and standard error. A line of three dots stands for any lines. Commands of a page run in one
-folder, one after another. With --write, outputs that differ are replaced by what comes.
+folder, one after another; $TREE is where the tree is. With --write, outputs that differ are replaced by what comes.
 """
 import os
 import pathlib
@@ -16,6 +16,7 @@ import tempfile
 
 BLOCK = re.compile(r"^```console\n(.*?)^```$", re.MULTILINE | re.DOTALL)
 ANY_LINES = "..."
+TREE = pathlib.Path(__file__).resolve().parents[2]
 
 
 def fail(sentence):
@@ -46,7 +47,8 @@ def pattern_of(lines):
 
 
 def run(command, tool, folder):
-    environment = {"PATH": f"{tool.parent}:/usr/bin:/bin", "LC_ALL": "C.UTF-8", "HOME": str(folder)}
+    environment = {"PATH": f"{tool.parent}:/usr/bin:/bin", "LC_ALL": "C.UTF-8", "HOME": str(folder),
+                   "TREE": str(TREE)}
     done = subprocess.run(["bash", "-c", command], cwd=folder, env=environment, check=False,
                           stdout=subprocess.PIPE, stderr=subprocess.STDOUT, stdin=subprocess.DEVNULL,
                           timeout=60)
