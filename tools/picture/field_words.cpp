@@ -8,7 +8,8 @@
 namespace tool {
 namespace {
 
-// Of long ways the last steps say most: a chain's offsets come about through all levels before them.
+// Of long ways the last steps say most: a chain's offsets come about through all levels before
+// them.
 constexpr std::size_t kMostSteps = 6;
 
 }  // namespace

@@ -1,5 +1,5 @@
-// A page as HTML: one file without any other, readable without its script, which makes the bar of the
-// allocation zoomable and shows explanations beside the pointer.
+// A page as HTML: one file without any other, readable without its script, which makes the bar of
+// the allocation zoomable and shows explanations beside the pointer.
 #pragma once
 
 #include <string>

@@ -1,5 +1,5 @@
-// The allocation as a bar whose axis is the offset in bytes, and what of it is too narrow to see again
-// below, enlarged.
+// The allocation as a bar whose axis is the offset in bytes, and what of it is too narrow to see
+// again below, enlarged.
 #pragma once
 
 #include "tools/picture/page_writer.h"

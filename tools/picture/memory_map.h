@@ -1,5 +1,5 @@
-// What each byte of a surface's allocation is for: parts in the order of their offsets, without a gap
-// between them and without two at one byte.
+// What each byte of a surface's allocation is for: parts in the order of their offsets, without a
+// gap between them and without two at one byte.
 #pragma once
 
 #include <cstdint>

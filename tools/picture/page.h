@@ -1,4 +1,5 @@
-// A scene on a page: every rectangle, line and text where it is drawn, in pixels from the upper left.
+// A scene on a page: every rectangle, line and text where it is drawn, in pixels from the upper
+// left.
 #pragma once
 
 #include <cstdint>

@@ -211,6 +211,15 @@ double hidden_padding(const Sheet& sheet, Scale scale) {
   return thinnest;
 }
 
+// Where the grid is not the one that the page speaks of.
+void say_own_grid(Cell& cell, Scale page_scale) {
+  if (cell.sheet.tile_width == 0) return;
+  const uint64_t tiles = tiles_of_grid(cell.sheet, cell.scale);
+  if (tiles == tiles_of_grid(cell.sheet, page_scale)) return;
+  cell.captions.push_back(
+      {tiles == 1 ? "grid: single tiles" : fmt::format("grid: {} x {} tiles", tiles, tiles)});
+}
+
 // The lower right corner, so large that padding can be seen.
 Cell corner_cell(const Sheet& sheet, Scale scale, double padding) {
   constexpr double kSide_px = 150;
@@ -218,12 +227,14 @@ Cell corner_cell(const Sheet& sheet, Scale scale, double padding) {
   const double cell_px = std::min(kPadding_px / padding, 12.0);
   const double width = std::min<double>(std::floor(kSide_px / cell_px), sheet.width);
   const double height = std::min<double>(std::floor(kSide_px / cell_px), sheet.height);
-  return {sheet,
-          {sheet.width - width, sheet.height - height, width, height},
-          {cell_px, cell_px},
-          "its lower right corner",
-          {{fmt::format("{:.0f} elements x {:.0f} rows", width, height)},
-           {fmt::format("{:.0f} times as large", cell_px / scale.x_px)}}};
+  Cell cell = {sheet,
+               {sheet.width - width, sheet.height - height, width, height},
+               {cell_px, cell_px},
+               "its lower right corner",
+               {{fmt::format("{:.0f} elements x {:.0f} rows", width, height)},
+                {fmt::format("{:.0f} times as large", cell_px / scale.x_px)}}};
+  say_own_grid(cell, scale);
+  return cell;
 }
 
 // A small level in its place: where it lies is said where it is drawn larger.
@@ -240,6 +251,7 @@ Cell enlarged_cell(const Sheet& sheet, Scale scale) {
         {fmt::format("{} x {} asked for", payload.width, payload.height), payload.said.text});
   }
   cell.captions.push_back({fmt::format("{:.0f} times as large", large.x_px / scale.x_px)});
+  say_own_grid(cell, scale);
   return cell;
 }
 

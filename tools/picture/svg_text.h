@@ -10,8 +10,8 @@ namespace tool {
 // A whole file.
 std::string svg_text(const Page& page);
 
-// The element alone, for a page that brings the style sheet. Its parts say their bytes in attributes,
-// for a script.
+// The element alone, for a page that brings the style sheet. Its parts say their bytes in
+// attributes, for a script.
 std::string svg_element(const Page& page);
 
 }  // namespace tool

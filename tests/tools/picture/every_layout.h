@@ -16,7 +16,8 @@ inline constexpr std::size_t kStride = KORVEL_PICTURE_STRIDE;
 // Calls visit(request, picture) for each. Returns how many there were.
 template <typename Visit>
 std::size_t for_every_layout(Visit visit) {
-  // 2: 16 bytes; 28: 4 bytes; 40: depth; 71: blocks; 103: two planes; 508: 3 bytes; 670: whole 64 rows.
+  // 2: 16 bytes; 28: 4 bytes; 40: depth; 71: blocks; 103: two planes; 508: 3 bytes; 670: whole 64
+  // rows.
   constexpr uint32_t kFormats[] = {2, 28, 40, 71, 103, 508, 670};
   constexpr tool::SurfaceSize kSizes[] = {
       {1, 1, 1},          {64, 16, 1},    {100, 60, 3},      {513, 300, 7},

@@ -100,8 +100,8 @@ TEST(Pages, DrawTheMapToScale) {
   EXPECT_NEAR(bar[0].area.right_px(), bar[1].area.x_px, 1e-9);
 }
 
-// 1920 x 1088 elements in at most 560 x 330 pixels: 560 / 1920 of a pixel an element, the payload of
-// 1900 x 1080 being 554.17 x 315 of them.
+// 1920 x 1088 elements in at most 560 x 330 pixels: 560 / 1920 of a pixel an element, the payload
+// of 1900 x 1080 being 554.17 x 315 of them.
 TEST(Pages, DrawImagesToScale) {
   const Page page =
       tool::make_page(pictured(request_of(28, {1900, 1080, 1}, LAYOUT_FLAG_UBWC)).scene);

@@ -62,8 +62,8 @@ std::vector<Rectangle> rectangles(const tool::Sheet& sheet) {
 using Ranges = std::vector<Range>;
 using Rectangles = std::vector<Rectangle>;
 
-// 1918 elements of 4 bytes go up to whole steps of 64: 1920, a pitch of 7680, which is no multiple of
-// 2048 and not padded. 1080 rows of it are 8294400 = 2025 x 4096 bytes.
+// 1918 elements of 4 bytes go up to whole steps of 64: 1920, a pitch of 7680, which is no multiple
+// of 2048 and not padded. 1080 rows of it are 8294400 = 2025 x 4096 bytes.
 TEST(PictureScene, OfALinearImage) {
   const Pictured picture = pictured(request_of(28, {1918, 1080, 1}, 0, KORVEL_TILING_LINEAR));
   EXPECT_EQ(ranges(picture), (Ranges{{Role::payload, 0, 8294400}}));
@@ -78,8 +78,8 @@ TEST(PictureScene, OfALinearImage) {
             "8285760 bytes of it, 99.9 %, hold elements that were asked for");
 }
 
-// Rows that are not asked for follow those that are: 670 takes whole steps of 64 rows. 100 elements
-// of 3 bytes are counted as 4; the pitch is looked at, not worked out.
+// The height of format 670 takes whole steps of 64 rows: 4 rows follow the 60 that are asked for, and
+// then what is left up to whole 4096 bytes. The pitch is the record's.
 TEST(PictureScene, OfRowsBelowALinearImage) {
   const Pictured picture = pictured(request_of(670, {100, 60, 1}, 0, KORVEL_TILING_LINEAR));
   const PlaneLayout& plane = picture.blob.layout.level[0].plane[0];
@@ -92,8 +92,8 @@ TEST(PictureScene, OfRowsBelowALinearImage) {
   EXPECT_EQ(ranges(picture), expected);
 }
 
-// Tiles of 64 x 16: 1920 x 1088, a pitch of 7680, 8355840 bytes. A byte of flags for 16 x 4: 120 x 272,
-// with a pitch of 128 in 272 rows 34816, up to whole 4096 bytes 36864 = 288 rows.
+// Tiles of 64 x 16: 1920 x 1088, a pitch of 7680, 8355840 bytes. A byte of flags for 16 x 4: 120 x
+// 272, with a pitch of 128 in 272 rows 34816, up to whole 4096 bytes 36864 = 288 rows.
 TEST(PictureScene, OfATiledImageWithFlags) {
   const Pictured picture = pictured(request_of(28, {1900, 1080, 1}, LAYOUT_FLAG_UBWC));
   EXPECT_EQ(ranges(picture),
@@ -112,8 +112,8 @@ TEST(PictureScene, OfATiledImageWithFlags) {
 }
 
 // Both planes take 1920 x 1080 of 1 byte. Tiles of 128 x 32 and, of the 2 bytes of chroma, 64 x 32:
-// 1920 x 1088, 2088960 bytes. Flags for 32 x 8: 60 x 136, in rows of 64 and steps of 16 rows 9216, up to
-// 12288. Of chroma for 16 x 8: 120 x 136, in rows of 128 18432, up to 20480.
+// 1920 x 1088, 2088960 bytes. Flags for 32 x 8: 60 x 136, in rows of 64 and steps of 16 rows 9216,
+// up to 12288. Of chroma for 16 x 8: 120 x 136, in rows of 128 18432, up to 20480.
 TEST(PictureScene, OfTwoPlanes) {
   const Pictured picture = pictured(request_of(103, {1920, 1080, 1}, LAYOUT_FLAG_UBWC));
   EXPECT_EQ(ranges(picture), (Ranges{{Role::flags, 0, 12288},
@@ -131,8 +131,8 @@ TEST(PictureScene, OfTwoPlanes) {
                         {Role::padding_below, 0, 136, 64, 56}}));
 }
 
-// Flags stand in front: of level 0 128 x 512 bytes, then 64 x 256, 64 x 128 and, from level 3 on, the
-// least of 64 x 64. Images of 4 bytes an element: whole tiles of 64 x 16 from level 6 on.
+// Flags stand in front: of level 0 128 x 512 bytes, then 64 x 256, 64 x 128 and, from level 3 on,
+// the least of 64 x 64. Images of 4 bytes an element: whole tiles of 64 x 16 from level 6 on.
 TEST(PictureScene, OfAChainOfTwelveLevels) {
   tool::SurfaceRequest request = request_of(28, {2048, 2048, 1}, LAYOUT_FLAG_UBWC);
   request.levels = 12;
@@ -162,8 +162,9 @@ TEST(PictureScene, OfAChainOfTwelveLevels) {
     byte += bytes;
   }
   EXPECT_EQ(ranges(picture), expected);
-  // 12 images, and flag buffers that look different: those of the levels 0 to 6. A tile of flags holds
-  // 16 x 4 elements, so that levels 7 to 11, all 64 x 16 elements, use 4 x 4 bytes of 64 x 64.
+  // 12 images, and flag buffers that look different: those of the levels 0 to 6. A tile of flags
+  // holds 16 x 4 elements, so that levels 7 to 11, all 64 x 16 elements, use 4 x 4 bytes of 64 x
+  // 64.
   ASSERT_EQ(picture.scene.sheets.size(), 12U + 8U);
   EXPECT_EQ(rectangles(picture.scene.sheets[8]), (Rectangles{{Role::payload, 0, 0, 8, 8},
                                                              {Role::padding_right, 8, 0, 56, 8},
@@ -175,8 +176,8 @@ TEST(PictureScene, OfAChainOfTwelveLevels) {
   EXPECT_EQ(last.captions.back().text, "and 4 levels more alike");
 }
 
-// Tiles make 200 x 120 to 256 x 128, 131072 bytes; flags for 16 x 32 tiles: 64 x 32 bytes, up to 4096. Six
-// of these, the extra buffer of 6 x 8224, and what is left of the last 4096 bytes.
+// Tiles make 200 x 120 to 256 x 128, 131072 bytes; flags for 16 x 32 tiles: 64 x 32 bytes, up to
+// 4096. Six of these, the extra buffer of 6 x 8224, and what is left of the last 4096 bytes.
 TEST(PictureScene, OfAnArray) {
   const Pictured picture =
       pictured(request_of(28, {200, 120, 6}, LAYOUT_FLAG_UBWC | LAYOUT_FLAG_EXTRA));
@@ -192,9 +193,9 @@ TEST(PictureScene, OfAnArray) {
   EXPECT_EQ(picture.scene.sheets[0].slices, 6U);
 }
 
-// A plane starts one slice behind the one before it. A slice of either plane is 4096 bytes of flags and
-// 32768 of image: slice 1 of plane 0 lies where slice 0 of plane 1 does, and at the end are left as many
-// bytes as there are shared.
+// A plane starts one slice behind the one before it. A slice of either plane is 4096 bytes of flags
+// and 32768 of image: slice 1 of plane 0 lies where slice 0 of plane 1 does, and at the end are
+// left as many bytes as there are shared.
 TEST(PictureScene, OfSlicesOfTwoPlanes) {
   const Pictured picture = pictured(request_of(103, {200, 120, 3}, LAYOUT_FLAG_UBWC));
   constexpr uint64_t kSlice = 4096 + 32768;
