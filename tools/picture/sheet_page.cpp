@@ -251,7 +251,8 @@ Cell enlarged_cell(const Sheet& sheet, Scale scale) {
         {fmt::format("{} x {} asked for", payload.width, payload.height), payload.said.text});
   }
   cell.captions.push_back({fmt::format("{:.0f} times as large", large.x_px / scale.x_px)});
-  say_own_grid(cell, scale);
+  const uint64_t tiles = sheet.tile_width == 0 ? 1 : tiles_of_grid(sheet, large);
+  if (tiles > 1) cell.captions.push_back({fmt::format("grid: {} x {} tiles", tiles, tiles)});
   return cell;
 }
 
@@ -398,6 +399,10 @@ void write_sheets(PageWriter& page, const Scene& scene) {
   write_cells(page, cells.cells);
   if (!cells.enlarged.empty()) {
     page.paragraph(TextKind::heading, {"The small levels again, each as large as fits"});
+    if (images.front()->tile_width != 0) {
+      page.paragraph(TextKind::plain,
+                     {"A cell of the grid is one tile, where nothing else is said."});
+    }
     write_cells(page, cells.enlarged);
   }
   if (together || flags.empty()) return;
