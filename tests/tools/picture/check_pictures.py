@@ -134,8 +134,8 @@ def check_files(tool, _):
 
 # ---- Colours ----
 
-# How colours look without one kind of cone, as matrices on linear RGB (Machado, Oliveira and Fernandes,
-# 2009, the table of full deficiencies).
+# How colours look without one kind of cone, as matrices on linear RGB: the full deficiencies of the
+# physiologically based model that was published in 2009.
 VISIONS = {
     "ordinary": [[1, 0, 0], [0, 1, 0], [0, 0, 1]],
     "without red cones": [[0.152286, 1.052583, -0.204868], [0.114503, 0.786281, 0.099216],
