@@ -39,7 +39,8 @@ constexpr const char kShowExamples[] =
     "  korvel-layout show --format r8g8b8a8_unorm --size 1920x1080 --ubwc\n"
     "  korvel-layout show --chip 0x06010000 --format 10 --size 64x64x6 --samples 4\n"
     "  korvel-layout show --format bc1_unorm --size 2048x2048 --levels 12\n"
-    "  korvel-layout show --format nv12 --size 1280x720 --linear --blob nv12.blob";
+    "  korvel-layout show --format nv12 --size 1280x720 --linear --blob nv12.blob\n"
+    "  korvel-layout show --format 28 --size 1918x1080 --ubwc --html picture.html";
 
 constexpr const char kExplainExamples[] =
     "Examples:\n"
@@ -86,7 +87,11 @@ CLI::App* add_show(CLI::App& program, ShowOptions& options) {
   add_request(*command, options.request);
   command->add_flag("--json", options.json, "JSON instead of tables");
   add_text(*command, "--blob", options.blob, "Write the 5536 bytes of the blob")->type_name("FILE");
-  command->add_flag("--force", options.force, "With --blob: replace an existing file");
+  add_text(*command, "--svg", options.svg, "Draw the layout as an SVG picture; - prints it")
+      ->type_name("FILE");
+  add_text(*command, "--html", options.html, "The same as a page whose bar of bytes can be zoomed")
+      ->type_name("FILE");
+  command->add_flag("--force", options.force, "Replace existing files");
   add_strict(*command, options.strict);
   command->footer(kShowExamples);
   return command;

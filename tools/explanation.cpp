@@ -10,14 +10,14 @@ namespace tool {
 namespace {
 
 // The steps at these places, in this order; what they use besides is left out.
-Explanation picked(Explanation explanation, const std::vector<std::size_t>& order) {
+Explanation picked(const Explanation& explanation, const std::vector<std::size_t>& order) {
   constexpr std::size_t kLeftOut = static_cast<std::size_t>(-1);
   std::vector<std::size_t> place(explanation.steps.size(), kLeftOut);
   for (std::size_t i = 0; i < order.size(); ++i) place[order[i]] = i;
   Explanation part;
   part.steps.reserve(order.size());
   for (const std::size_t number : order) {
-    Step& step = part.steps.emplace_back(std::move(explanation.steps[number]));
+    Step& step = part.steps.emplace_back(explanation.steps[number]);
     for (std::size_t& input : step.inputs) input = place[input];
     std::erase(step.inputs, kLeftOut);
     if (step.continues) step.continues = place[*step.continues];
@@ -67,7 +67,7 @@ Explanation steps_to(const Explanation& explanation, const std::string& field) {
   return picked(explanation, order);
 }
 
-Explanation widths_first(Explanation explanation) {
+Explanation widths_first(const Explanation& explanation) {
   const std::vector<Step>& steps = explanation.steps;
   std::vector<std::size_t> order(steps.size());
   std::iota(order.begin(), order.end(), std::size_t{0});
@@ -81,7 +81,7 @@ Explanation widths_first(Explanation explanation) {
                           [&steps](std::size_t i) { return steps[i].subject == "width"; });
     first = std::max(end, first + 1);
   }
-  return picked(std::move(explanation), order);
+  return picked(explanation, order);
 }
 
 }  // namespace tool

@@ -71,7 +71,7 @@ std::string level_field(uint32_t level, const char* name);
 
 // The same steps with those of a width in front of those of the height beside it. Neither uses the
 // other.
-Explanation widths_first(Explanation explanation);
+Explanation widths_first(const Explanation& explanation);
 
 // The last part of a field's name: "image_pitch".
 std::string_view word_of_field(std::string_view field);

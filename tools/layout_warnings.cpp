@@ -8,10 +8,10 @@
 #include "tools/counted.h"
 #include "tools/explain_surface.h"
 #include "tools/explanation_check.h"
-#include "tools/explanation_text.h"
 #include "tools/format_names.h"
 #include "tools/library_messages.h"
 #include "tools/refusal_words.h"
+#include "tools/step_text.h"
 
 namespace tool {
 namespace {

@@ -4,11 +4,13 @@
 #include <cstddef>
 #include <span>
 #include <string>
+#include <string_view>
 
 namespace tool {
 
 // Writes a whole file or none: what was there before survives a failure. An existing file is
-// replaced only when `replace` says so. Throws BadInput.
-void write_file(const std::string& path, std::span<const std::byte> bytes, bool replace);
+// replaced only when `replace` says so. `option` is the one that names the file. Throws BadInput.
+void write_file(std::string_view option, const std::string& path, std::span<const std::byte> bytes,
+                bool replace);
 
 }  // namespace tool

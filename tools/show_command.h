@@ -11,6 +11,8 @@ namespace tool {
 struct ShowOptions {
   RequestOptions request;
   std::optional<std::string> blob;
+  std::optional<std::string> svg;   // a file, or "-" for standard output
+  std::optional<std::string> html;  // the same
   bool json = false;
   bool force = false;
   bool strict = false;  // warnings make the exit code 1

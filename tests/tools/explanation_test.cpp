@@ -6,13 +6,13 @@
 
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
 #include <iterator>
 #include <set>
 
 #include "tests/harness/chips.h"
 #include "tests/harness/edges.h"
 #include "tests/harness/gpu.h"
+#include "tests/tools/exported_layout.h"
 #include "tools/explain_surface.h"
 #include "tools/explanation_check.h"
 #include "tools/fault_forecast.h"
@@ -23,6 +23,8 @@ using tool::Explanation;
 using tool::Quantity;
 using tool::Step;
 using tool::SurfaceRequest;
+using tool_test::lay_out;
+using tool_test::row_of;
 
 constexpr uint64_t kEveryFlag = LAYOUT_FLAG_UBWC | LAYOUT_FLAG_EXTRA | LAYOUT_FLAG_EXTENDED;
 
@@ -41,32 +43,8 @@ constexpr tool::SurfaceSize kSizes[] = {
 // One in so many formats, and so many sizes of each: all of them where nothing slows calls down.
 constexpr uint32_t kFormatStride = KORVEL_EXPLANATION_STRIDE;
 
-const korvel::ChipRow& row_of(uint32_t chip_id) {
-  for (std::size_t i = korvel::kRowFirstChip; i < korvel::kChipRows.size(); ++i) {
-    if (korvel::kChipRows[i].chip_id == chip_id) return korvel::kChipRows[i];
-  }
-  return korvel::kChipRows[korvel::kRowUnknownChip];
-}
-
 std::string text_of(const SurfaceRequest& request) {
   return tool::request_label(request);
-}
-
-// The answer of the exports, as the program asks for it. False for a request that they refuse.
-bool lay_out(harness::Gpu& gpu, const SurfaceRequest& request, LayoutMetadata& blob) {
-  std::memset(&blob, 0, sizeof blob);
-  const auto& size = request.size;
-  const uint32_t status = gpu->korvel_init_memory_layout(
-      &blob, size.width, size.height, size.depth, request.format, request.samples,
-      request.tiling_mode, request.flags, request.planes);
-  if (status != KORVEL_SUCCESS || !request.levels) return status == KORVEL_SUCCESS;
-  std::memset(blob.layout.level, 0, sizeof blob.layout.level);
-  blob.layout.levels = *request.levels;
-  gpu->korvel_init_multi_level_surface(&blob.layout, static_cast<uint32_t>(size.width),
-                                       static_cast<uint32_t>(size.height), size.depth,
-                                       request.format, request.samples, request.tiling_mode,
-                                       request.flags, request.planes);
-  return true;
 }
 
 // Subjects that start from a number of the request, the format or the chip.
