@@ -20,9 +20,9 @@ whose size in texels is any that is at least 1 x 1:
 
 Assumed: the GPU is identified. Products of two unknowns are unknown functions.
 
-Not shown: known chips, whose rounds run the alignment rules themselves, and so which sizes these give,
-where they divide by 0, and what sizing flag buffers stores in this loop. one_round() says what a round of
-theirs leaves, flag buffers among it; it has not been run to its end on them.
+Not shown: what sizing flag buffers stores in this loop on known chips, and where it divides by 0:
+one_round() says it, and has not been run to its end on them. Their images are those of
+chains_have_aligned_images.
 """
 
 import z3

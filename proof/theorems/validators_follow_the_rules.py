@@ -31,7 +31,7 @@ def prove(proof):
             rules, lemmas = rules_of(kind, name, level)
             quick = [p for p in part.paths if p.ending != "refuses" and not p.by_rules]
             proof.require("the quick walk passes levels", quick or name == "rules", kind.validator)
-            for path in part.paths:
+            for path in proof.each(part.paths):
                 follows(proof, kind, path, rules, lemmas)
     every_message(proof)
 
