@@ -7,7 +7,7 @@
 #include "fuzz/met_cases.h"
 #include "fuzz/record_kind.h"
 #include "fuzz/tool_run.h"
-#include "tools/check_command.h"
+#include "tools/command/check_command.h"
 
 namespace {
 

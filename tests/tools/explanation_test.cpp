@@ -13,9 +13,9 @@
 #include "tests/harness/chips.h"
 #include "tests/harness/edges.h"
 #include "tests/harness/gpu.h"
-#include "tools/explain_surface.h"
-#include "tools/explanation_check.h"
-#include "tools/fault_forecast.h"
+#include "tools/explanation/explain_surface.h"
+#include "tools/explanation/explanation_check.h"
+#include "tools/explanation/fault_forecast.h"
 
 namespace {
 

@@ -1,0 +1,204 @@
+#include "tools/command/command_line.h"
+
+#include <CLI/CLI.hpp>
+#include <optional>
+#include <sstream>
+#include <string>
+
+#include "tools/command/check_command.h"
+#include "tools/command/chips_command.h"
+#include "tools/command/dump_command.h"
+#include "tools/command/exit_codes.h"
+#include "tools/command/explain_command.h"
+#include "tools/command/formats_command.h"
+#include "tools/command/request_options.h"
+#include "tools/command/show_command.h"
+#include "tools/output/standard_error.h"
+#include "tools/output/standard_output.h"
+#include "tools/request/bad_input.h"
+
+namespace tool {
+namespace {
+
+constexpr const char kExamples[] =
+    "Examples:\n"
+    "  korvel-layout show --format r8g8b8a8_unorm --size 1920x1080 --ubwc\n"
+    "  korvel-layout show --chip 0x44010000 --format nv12 --size 3840x2160 --blob nv12.blob\n"
+    "  korvel-layout show --format 28 --size 2048x2048 --levels 12 --json\n"
+    "  korvel-layout explain --format r8g8b8a8_unorm --size 1918x1080 --linear\n"
+    "  korvel-layout check nv12.blob --chip 0x44010000\n"
+    "  korvel-layout dump nv12.blob\n"
+    "  korvel-layout formats --chip 0x43010000\n"
+    "  korvel-layout chips\n"
+    "\n"
+    "Exit codes: 0 done, 1 refused by the validator (check) or warnings with --strict, 2 bad\n"
+    "input, 3 an explanation that does not come to the library's numbers (a bug).";
+
+constexpr const char kShowExamples[] =
+    "Examples:\n"
+    "  korvel-layout show --format r8g8b8a8_unorm --size 1920x1080 --ubwc\n"
+    "  korvel-layout show --chip 0x06010000 --format 10 --size 64x64x6 --samples 4\n"
+    "  korvel-layout show --format bc1_unorm --size 2048x2048 --levels 12\n"
+    "  korvel-layout show --format nv12 --size 1280x720 --linear --blob nv12.blob";
+
+constexpr const char kExplainExamples[] =
+    "Examples:\n"
+    "  korvel-layout explain --format r8g8b8a8_unorm --size 1918x1080 --linear\n"
+    "  korvel-layout explain --format nv12 --size 1920x1080 --field level[0].plane[1].image_offset\n"
+    "  korvel-layout explain --format 28 --size 2048x2048 --levels 12 --ubwc --json\n"
+    "\n"
+    "Fields have the names that show prints with --json: level[0].plane[0].image_pitch,\n"
+    "level[0].size, total_size, gpu_buffer_size.";
+
+// An option whose absence counts.
+CLI::Option* add_text(CLI::App& command, const char* name, std::optional<std::string>& text,
+                      const char* description) {
+  return command.add_option_function<std::string>(
+      name, [&text](const std::string& given) { text = given; }, description);
+}
+
+// The options that say which surface is meant.
+void add_request(CLI::App& command, RequestOptions& options) {
+  add_text(command, "--chip", options.chip, "Chip id; default 0x43010000")->type_name("ID");
+  command.add_option("--format", options.format, "Format number or DXGI name")
+      ->required()
+      ->type_name("FORMAT");
+  command.add_option("--size", options.size, "Texels, and slices or depth")
+      ->required()
+      ->type_name("WxH[xD]");
+  add_text(command, "--samples", options.samples, "1, 2, 4 or 8; default 1")->type_name("N");
+  add_text(command, "--planes", options.planes, "0 to 3; default the format's own")->type_name("N");
+  add_text(command, "--levels", options.levels, "Lay out a mip chain of 1 to 15 levels")
+      ->type_name("N");
+  command.add_flag("--linear", options.linear, "Linear instead of tiled");
+  command.add_flag("--ubwc", options.ubwc, "Flag buffers where format and chip allow them");
+  command.add_flag("--extra", options.extra, "An extra buffer behind the planes");
+  command.add_flag("--extended", options.extended, "With --extra: the chip's extra padding");
+}
+
+void add_strict(CLI::App& command, bool& strict) {
+  command.add_flag("--strict", strict, "Exit code 1 when there are warnings");
+}
+
+CLI::App* add_show(CLI::App& program, ShowOptions& options) {
+  CLI::App* const command =
+      program.add_subcommand("show", "Lay out one surface and print where everything lies");
+  add_request(*command, options.request);
+  command->add_flag("--json", options.json, "JSON instead of tables");
+  add_text(*command, "--blob", options.blob, "Write the 5536 bytes of the blob")->type_name("FILE");
+  command->add_flag("--force", options.force, "With --blob: replace an existing file");
+  add_strict(*command, options.strict);
+  command->footer(kShowExamples);
+  return command;
+}
+
+CLI::App* add_explain(CLI::App& program, ExplainOptions& options) {
+  CLI::App* const command =
+      program.add_subcommand("explain", "Lay out one surface and say how each number comes about");
+  add_request(*command, options.request);
+  add_text(*command, "--field", options.field, "Explain this field alone")->type_name("NAME");
+  command->add_flag("--json", options.json, "JSON instead of text");
+  add_strict(*command, options.strict);
+  command->footer(kExplainExamples);
+  return command;
+}
+
+CLI::App* add_chips(CLI::App& program, bool& json) {
+  CLI::App* const command = program.add_subcommand("chips", "List the chip rows");
+  command->add_flag("--json", json, "JSON instead of a table");
+  return command;
+}
+
+CLI::App* add_formats(CLI::App& program, FormatsOptions& options) {
+  CLI::App* const command = program.add_subcommand("formats", "List the formats");
+  add_text(*command, "--chip", options.chip, "Add what this chip can do with each")
+      ->type_name("ID");
+  command->add_flag("--all", options.all, "List unused ids too");
+  command->add_flag("--json", options.json, "JSON instead of a table");
+  return command;
+}
+
+CLI::App* add_check(CLI::App& program, CheckOptions& options) {
+  CLI::App* const command =
+      program.add_subcommand("check", "Have the library validate a stored blob or record");
+  command->add_option("FILE", options.file, "Blob or bare record")->required()->type_name("");
+  add_text(*command, "--kind", options.kind, "resource or surface; default by the file's size")
+      ->type_name("KIND");
+  command->add_option("--chip", options.chip, "Chip that the record must be made for")
+      ->required()
+      ->type_name("ID");
+  command->footer(
+      "Warnings beside a valid record tell what of it does not lie inside its surface or buffer.");
+  return command;
+}
+
+CLI::App* add_dump(CLI::App& program, DumpOptions& options) {
+  CLI::App* const command =
+      program.add_subcommand("dump", "Print a stored blob or record field by field");
+  command->add_option("FILE", options.file, "Blob or bare record")->required()->type_name("");
+  add_text(*command, "--kind", options.kind, "resource or surface; default by the file's size")
+      ->type_name("KIND");
+  command->add_flag("--all", options.all, "Also every field that is not in use");
+  return command;
+}
+
+bool names_no_command(const CLI::App& program, int argc, char** argv) {
+  return argc > 1 && argv[1][0] != '-' && program.get_subcommands().empty();
+}
+
+// What the user asked for: help or the version.
+std::string help_text(const CLI::App& program, const CLI::Success& success) {
+  std::ostringstream stream;
+  program.exit(success, stream, stream);
+  std::string text = stream.str();
+  if (!text.ends_with('\n')) text += '\n';
+  return text;
+}
+
+// The name in front of the parser's own words on an option given twice or without its value.
+std::string option_of(const CLI::ParseError& error) {
+  const std::string text = error.what();
+  return text.substr(0, text.find(':'));
+}
+
+}  // namespace
+
+int run_command_line(int argc, char** argv) {
+  CLI::App program("Where every byte of a surface lies in GPU memory.", "korvel-layout");
+  program.set_version_flag("--version", "korvel-layout " KORVEL_LAYOUT_VERSION);
+  program.require_subcommand(0, 1);
+
+  ShowOptions show_options;
+  ExplainOptions explain_options;
+  FormatsOptions formats_options;
+  CheckOptions check_options;
+  DumpOptions dump_options;
+  bool chips_json = false;
+  const CLI::App* const show_command = add_show(program, show_options);
+  const CLI::App* const explain_command = add_explain(program, explain_options);
+  const CLI::App* const chips_command = add_chips(program, chips_json);
+  const CLI::App* const formats_command = add_formats(program, formats_options);
+  const CLI::App* const check_command = add_check(program, check_options);
+  const CLI::App* const dump_command = add_dump(program, dump_options);
+  program.footer(kExamples);  // commands take over the footer that is set before them
+  try {
+    program.parse(argc, argv);
+  } catch (const CLI::Success& success) {
+    print_data(help_text(program, success));
+    return kExitDone;
+  } catch (const CLI::ArgumentMismatch& error) {
+    refuse("{} takes exactly one value", option_of(error));
+  } catch (const CLI::ParseError& error) {
+    if (!names_no_command(program, argc, argv)) throw BadInput(error.what());
+    refuse("{} is no command; korvel-layout --help lists them", in_quotes(argv[1]));
+  }
+  if (show_command->parsed()) return show(show_options);
+  if (explain_command->parsed()) return explain(explain_options);
+  if (chips_command->parsed()) return list_chips(chips_json);
+  if (formats_command->parsed()) return list_formats(formats_options);
+  if (check_command->parsed()) return check(check_options);
+  if (dump_command->parsed()) return dump(dump_options);
+  refuse("no command given; korvel-layout --help lists them");
+}
+
+}  // namespace tool

@@ -1,0 +1,15 @@
+// A laid-out blob as JSON, under the names of its records' fields.
+#pragma once
+
+#include <nlohmann/json.hpp>
+
+#include <korvel_utils.h>
+#include "tools/library/simulated_chip.h"
+#include "tools/request/surface_request.h"
+
+namespace tool {
+
+nlohmann::ordered_json layout_json(const SimulatedChip& chip, const SurfaceRequest& request,
+                                   const LayoutMetadata& blob);
+
+}  // namespace tool
