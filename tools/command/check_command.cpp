@@ -38,7 +38,7 @@ void warn_of_header(const MetadataHeader& header) {
 }  // namespace
 
 int check(const CheckOptions& options) {
-  const SimulatedChip chip = simulate_chip(options.chip);
+  const Chip chip = simulate_chip(options.chip, options.unknown_chip);
   const StoredFile file(options.file, options.kind);
   const Verdict verdict = judge(file, device_uuid(chip.row));
   if (file.is_blob()) warn_of_header(file.header());

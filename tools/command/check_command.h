@@ -9,6 +9,7 @@ namespace tool {
 struct CheckOptions {
   std::string file;
   std::string chip;
+  bool unknown_chip = false;  // an id without a row is meant as it is
   std::optional<std::string> kind;
 };
 

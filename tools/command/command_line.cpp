@@ -1,18 +1,19 @@
 #include "tools/command/command_line.h"
 
-#include <CLI/CLI.hpp>
 #include <optional>
 #include <sstream>
 #include <string>
 
 #include "tools/command/check_command.h"
 #include "tools/command/chips_command.h"
+#include "tools/command/diff_command.h"
 #include "tools/command/dump_command.h"
 #include "tools/command/exit_codes.h"
 #include "tools/command/explain_command.h"
 #include "tools/command/formats_command.h"
-#include "tools/command/request_options.h"
+#include "tools/command/request_arguments.h"
 #include "tools/command/show_command.h"
+#include "tools/command/table_command.h"
 #include "tools/output/standard_error.h"
 #include "tools/output/standard_output.h"
 #include "tools/request/bad_input.h"
@@ -50,31 +51,22 @@ constexpr const char kExplainExamples[] =
     "Fields have the names that show prints with --json: level[0].plane[0].image_pitch,\n"
     "level[0].size, total_size, gpu_buffer_size.";
 
-// An option whose absence counts.
-CLI::Option* add_text(CLI::App& command, const char* name, std::optional<std::string>& text,
-                      const char* description) {
-  return command.add_option_function<std::string>(
-      name, [&text](const std::string& given) { text = given; }, description);
-}
+constexpr const char kTableExamples[] =
+    "Examples:\n"
+    "  korvel-layout table --size 1280x720,1920x1080,3840x2160 --format r8g8b8a8_unorm,nv12 \\\n"
+    "    --chip all-families --linear both\n"
+    "  korvel-layout table --format 28 --size 1900..1940:4x1080 --linear --sort padding\n"
+    "  korvel-layout table --format 70..84,97 --size 2048x2048 --levels none,full --csv";
 
-// The options that say which surface is meant.
-void add_request(CLI::App& command, RequestOptions& options) {
-  add_text(command, "--chip", options.chip, "Chip id; default 0x43010000")->type_name("ID");
-  command.add_option("--format", options.format, "Format number or DXGI name")
-      ->required()
-      ->type_name("FORMAT");
-  command.add_option("--size", options.size, "Texels, and slices or depth")
-      ->required()
-      ->type_name("WxH[xD]");
-  add_text(command, "--samples", options.samples, "1, 2, 4 or 8; default 1")->type_name("N");
-  add_text(command, "--planes", options.planes, "0 to 3; default the format's own")->type_name("N");
-  add_text(command, "--levels", options.levels, "Lay out a mip chain of 1 to 15 levels")
-      ->type_name("N");
-  command.add_flag("--linear", options.linear, "Linear instead of tiled");
-  command.add_flag("--ubwc", options.ubwc, "Flag buffers where format and chip allow them");
-  command.add_flag("--extra", options.extra, "An extra buffer behind the planes");
-  command.add_flag("--extended", options.extended, "With --extra: the chip's extra padding");
-}
+constexpr const char kDiffExamples[] =
+    "Examples:\n"
+    "  korvel-layout diff --format 28 --size 2000x1080 --a '--linear' --b '--ubwc'\n"
+    "  korvel-layout diff --format nv12 --size 1920x1080 --a '--chip family-6' --b '--chip "
+    "family-7'\n"
+    "  korvel-layout diff one.blob other.blob\n"
+    "  korvel-layout diff nv12.blob --format nv12 --size 1920x1080\n"
+    "\n"
+    "Exit codes: 0 alike, 1 different, 2 bad input.";
 
 void add_strict(CLI::App& command, bool& strict) {
   command.add_flag("--strict", strict, "Exit code 1 when there are warnings");
@@ -103,6 +95,59 @@ CLI::App* add_explain(CLI::App& program, ExplainOptions& options) {
   return command;
 }
 
+// An option that may stand alone or have a value behind it.
+void add_choice(CLI::App& command, const char* name, std::optional<std::string>& text,
+                const char* description) {
+  add_text(command, name, text, description)->expected(0, 1)->type_name("[both]");
+}
+
+CLI::App* add_table(CLI::App& program, TableOptions& options) {
+  CLI::App* const command =
+      program.add_subcommand("table", "Say what many surfaces cost, one in each row");
+  add_chip(*command, options.chip, options.unknown_chip,
+           "Chips; all-families for one of each, all for every chip; default 0x43010000");
+  command->add_option("--format", options.format, "Format numbers, names and ranges, or all")
+      ->required()
+      ->type_name("FORMATS");
+  command->add_option("--size", options.size, "Texels, and slices or depth; sides may be ranges")
+      ->required()
+      ->type_name("WxH[xD],...");
+  add_text(*command, "--samples", options.samples, "1, 2, 4 and 8; default 1")->type_name("LIST");
+  add_text(*command, "--levels", options.levels,
+           "1 to 15, full for all that a size has, none for no chain; default none")
+      ->type_name("LIST");
+  add_choice(*command, "--linear", options.linear, "Linear instead of tiled; both: a row each");
+  add_choice(*command, "--ubwc", options.ubwc, "With flag buffers; both: a row each");
+  command->add_flag("--extra", options.extra, "An extra buffer behind the planes");
+  command->add_flag("--extended", options.extended, "With --extra: the chip's extra padding");
+  add_text(*command, "--sort", options.sort, "Sort by this column, smallest first")
+      ->type_name("COLUMN");
+  command->add_flag("--reverse", options.reverse, "With --sort: largest first");
+  command->add_flag("--csv", options.csv, "CSV instead of a table");
+  command->add_flag("--json", options.json, "JSON instead of a table");
+  add_strict(*command, options.strict);
+  command->footer(kTableExamples);
+  return command;
+}
+
+CLI::App* add_diff(CLI::App& program, DiffOptions& options) {
+  CLI::App* const command =
+      program.add_subcommand("diff", "Compare two layouts, and say where they part");
+  command->add_option("FILE", options.files, "Blobs or bare records, at most two")
+      ->expected(0, 2)
+      ->type_name("");
+  add_text(*command, "--a", options.a, "Options of the first layout alone, in quotes")
+      ->type_name("OPTIONS");
+  add_text(*command, "--b", options.b, "Options of the second layout alone, in quotes")
+      ->type_name("OPTIONS");
+  add_request(*command, options.common, Needs::nothing);
+  add_text(*command, "--kind", options.kind, "resource or surface; default by the file's size")
+      ->type_name("KIND");
+  command->add_flag("--json", options.json, "JSON instead of text");
+  command->footer(kDiffExamples);
+  return command;
+}
+
 CLI::App* add_chips(CLI::App& program, bool& json) {
   CLI::App* const command = program.add_subcommand("chips", "List the chip rows");
   command->add_flag("--json", json, "JSON instead of a table");
@@ -111,8 +156,7 @@ CLI::App* add_chips(CLI::App& program, bool& json) {
 
 CLI::App* add_formats(CLI::App& program, FormatsOptions& options) {
   CLI::App* const command = program.add_subcommand("formats", "List the formats");
-  add_text(*command, "--chip", options.chip, "Add what this chip can do with each")
-      ->type_name("ID");
+  add_chip(*command, options.chip, options.unknown_chip, "Add what this chip can do with each");
   command->add_flag("--all", options.all, "List unused ids too");
   command->add_flag("--json", options.json, "JSON instead of a table");
   return command;
@@ -126,7 +170,8 @@ CLI::App* add_check(CLI::App& program, CheckOptions& options) {
       ->type_name("KIND");
   command->add_option("--chip", options.chip, "Chip that the record must be made for")
       ->required()
-      ->type_name("ID");
+      ->type_name("CHIP");
+  command->add_flag("--unknown-chip", options.unknown_chip, "An id that is not known, as it is");
   command->footer(
       "Warnings beside a valid record tell what of it does not lie inside its surface or buffer.");
   return command;
@@ -170,12 +215,16 @@ int run_command_line(int argc, char** argv) {
 
   ShowOptions show_options;
   ExplainOptions explain_options;
+  TableOptions table_options;
+  DiffOptions diff_options;
   FormatsOptions formats_options;
   CheckOptions check_options;
   DumpOptions dump_options;
   bool chips_json = false;
   const CLI::App* const show_command = add_show(program, show_options);
   const CLI::App* const explain_command = add_explain(program, explain_options);
+  const CLI::App* const table_command = add_table(program, table_options);
+  const CLI::App* const diff_command = add_diff(program, diff_options);
   const CLI::App* const chips_command = add_chips(program, chips_json);
   const CLI::App* const formats_command = add_formats(program, formats_options);
   const CLI::App* const check_command = add_check(program, check_options);
@@ -194,6 +243,8 @@ int run_command_line(int argc, char** argv) {
   }
   if (show_command->parsed()) return show(show_options);
   if (explain_command->parsed()) return explain(explain_options);
+  if (table_command->parsed()) return table(table_options);
+  if (diff_command->parsed()) return diff(diff_options);
   if (chips_command->parsed()) return list_chips(chips_json);
   if (formats_command->parsed()) return list_formats(formats_options);
   if (check_command->parsed()) return check(check_options);

@@ -6,6 +6,7 @@
 #include "tools/explanation/explain_surface.h"
 #include "tools/explanation/explanation_check.h"
 #include "tools/library/layout_warnings.h"
+#include "tools/library/simulated_chip.h"
 #include "tools/library/surface_layout.h"
 #include "tools/output/explanation_json.h"
 #include "tools/output/explanation_text.h"
@@ -64,7 +65,7 @@ std::string answer_text(const LayoutMetadata& blob, const std::optional<std::str
 
 int explain(const ExplainOptions& options) {
   const SurfaceRequest request = request_of(options.request);
-  const SimulatedChip chip = simulate_chip(options.request.chip);
+  const Chip chip = simulate_chip(options.request.chip, options.request.unknown_chip);
   const LaidOutSurface laid_out = lay_out(chip, request);
   const Explanation whole = explain_surface(chip.row, request);
   const Comparison comparison = compare(whole, laid_out.blob);

@@ -153,7 +153,7 @@ std::string formats_json(const FormatsOptions& options) {
 }  // namespace
 
 int list_formats(const FormatsOptions& options) {
-  if (options.chip) simulate_chip(options.chip);
+  if (options.chip) simulate_chip(options.chip, options.unknown_chip);
   const std::string data = options.json ? formats_json(options) : formats_text(options);
   print_warnings(distinct_texts(take_library_messages()));
   print_data(data);

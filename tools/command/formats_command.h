@@ -8,7 +8,8 @@ namespace tool {
 
 struct FormatsOptions {
   std::optional<std::string> chip;
-  bool all = false;  // unused ids too
+  bool unknown_chip = false;  // an id without a row is meant as it is
+  bool all = false;           // unused ids too
   bool json = false;
 };
 

@@ -12,6 +12,7 @@ struct RequestOptions {
   std::string format;
   std::string size;
   std::optional<std::string> chip;
+  bool unknown_chip = false;  // an id without a row is meant as it is
   std::optional<std::string> samples;
   std::optional<std::string> planes;
   std::optional<std::string> levels;

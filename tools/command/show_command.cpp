@@ -4,6 +4,7 @@
 
 #include "tools/command/exit_codes.h"
 #include "tools/library/layout_warnings.h"
+#include "tools/library/simulated_chip.h"
 #include "tools/library/surface_layout.h"
 #include "tools/output/layout_json.h"
 #include "tools/output/layout_text.h"
@@ -17,7 +18,7 @@ namespace tool {
 int show(const ShowOptions& options) {
   if (options.force && !options.blob) refuse("--force counts only beside --blob");
   const SurfaceRequest request = request_of(options.request);
-  const SimulatedChip chip = simulate_chip(options.request.chip);
+  const Chip chip = simulate_chip(options.request.chip, options.request.unknown_chip);
   const LaidOutSurface laid_out = lay_out(chip, request);
   const LayoutMetadata& blob = laid_out.blob;
   const std::vector<std::string> warnings = layout_warnings(chip, request, laid_out);

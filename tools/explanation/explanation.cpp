@@ -44,7 +44,8 @@ std::string_view word_of_field(std::string_view field) {
   return field.substr(field.rfind('.') + 1);
 }
 
-Explanation steps_to(const Explanation& explanation, const std::string& field) {
+std::vector<std::size_t> places_of_steps_to(const Explanation& explanation,
+                                            const std::string& field) {
   if (field.empty()) return {};
   const std::vector<Step>& steps = explanation.steps;
   std::size_t last = 0;
@@ -64,7 +65,11 @@ Explanation steps_to(const Explanation& explanation, const std::string& field) {
   for (std::size_t i = 0; i <= last; ++i) {
     if (needed[i]) order.push_back(i);
   }
-  return picked(explanation, order);
+  return order;
+}
+
+Explanation steps_to(const Explanation& explanation, const std::string& field) {
+  return picked(explanation, places_of_steps_to(explanation, field));
 }
 
 Explanation widths_first(Explanation explanation) {

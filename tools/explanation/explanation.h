@@ -76,6 +76,11 @@ Explanation widths_first(Explanation explanation);
 // The last part of a field's name: "image_pitch".
 std::string_view word_of_field(std::string_view field);
 
+// The places in the list of the steps that lead to a field, within the field's own place; none when
+// no step gives it.
+std::vector<std::size_t> places_of_steps_to(const Explanation& explanation,
+                                            const std::string& field);
+
 // The steps that lead to a field, within the field's own place; empty when no step gives it.
 Explanation steps_to(const Explanation& explanation, const std::string& field);
 

@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
-#include "tools/library/simulated_chip.h"
 #include "tools/library/surface_layout.h"
+#include "tools/request/chip.h"
 #include "tools/request/surface_request.h"
 
 namespace tool {
@@ -13,7 +13,7 @@ namespace tool {
 // A sentence for each: the library's own messages, a chip that it does not know, planes and levels
 // that the format or the size does not have, numbers that wrapped, rows that were cut, and the
 // verdict of the library's validator on the layout. None for a layout that is as it should be.
-std::vector<std::string> layout_warnings(const SimulatedChip& chip, const SurfaceRequest& request,
+std::vector<std::string> layout_warnings(const Chip& chip, const SurfaceRequest& request,
                                          const LaidOutSurface& laid_out);
 
 }  // namespace tool

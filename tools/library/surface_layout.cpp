@@ -8,6 +8,7 @@
 #include "tools/explanation/fault_forecast.h"
 #include "tools/library/library_messages.h"
 #include "tools/request/bad_input.h"
+#include "tools/request/refused_request.h"
 
 namespace tool {
 namespace {
@@ -44,7 +45,9 @@ void check_arguments(const SurfaceRequest& request, std::vector<LibraryMessage>&
 
 }  // namespace
 
-LaidOutSurface lay_out(const SimulatedChip& chip, const SurfaceRequest& request) {
+LaidOutSurface lay_out(const Chip& chip, const SurfaceRequest& request) {
+  const std::string refusal = refused_request(request);
+  if (!refusal.empty()) throw BadInput(refusal);
   std::vector<LibraryMessage> messages;
   check_arguments(request, messages);
   const std::string fault = forecast_fault(chip.row, request);

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include <korvel_utils.h>
-#include "tools/library/simulated_chip.h"
+#include "tools/request/chip.h"
 #include "tools/request/surface_request.h"
 
 namespace tool {
@@ -16,6 +16,6 @@ struct LaidOutSurface {
 };
 
 // Throws BadInput when the library refuses the request or would fault on it.
-LaidOutSurface lay_out(const SimulatedChip& chip, const SurfaceRequest& request);
+LaidOutSurface lay_out(const Chip& chip, const SurfaceRequest& request);
 
 }  // namespace tool

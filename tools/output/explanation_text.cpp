@@ -107,7 +107,7 @@ std::string change_text(const Step& step) {
   return fmt::format("{} -> {}", digits(step.before), quantity_text(step.after));
 }
 
-std::string explanation_text(const SimulatedChip& chip, const SurfaceRequest& request,
+std::string explanation_text(const Chip& chip, const SurfaceRequest& request,
                              const Explanation& explanation) {
   const Columns columns = columns_of(explanation);
   std::string text = fmt::format("{:<16} {}\n", "Surface", request_label(request));

@@ -4,7 +4,7 @@
 #include <string>
 
 #include "tools/explanation/explanation.h"
-#include "tools/library/simulated_chip.h"
+#include "tools/request/chip.h"
 #include "tools/request/surface_request.h"
 
 namespace tool {
@@ -15,7 +15,7 @@ std::string quantity_text(Quantity quantity);
 // "1918 -> 1920 elements", "1080 texels -> 1080 rows"
 std::string change_text(const Step& step);
 
-std::string explanation_text(const SimulatedChip& chip, const SurfaceRequest& request,
+std::string explanation_text(const Chip& chip, const SurfaceRequest& request,
                              const Explanation& explanation);
 
 }  // namespace tool

@@ -1,5 +1,7 @@
 #include "tools/output/layout_json.h"
 
+#include <fmt/core.h>
+
 #include <optional>
 
 #include "tools/record/uuid_text.h"
@@ -16,25 +18,8 @@ Json name_json(uint32_t format) {
   return name.empty() ? Json() : Json(name);
 }
 
-Json chip_json(const SimulatedChip& chip) {
-  return {{"chip_id", chip.chip_id},         {"known", chip.has_row},
-          {"family_id", chip.row.family_id}, {"model_code", chip.row.model_code},
-          {"rev_id", chip.row.rev_id},       {"supported", chip.row.supported}};
-}
-
-Json request_json(const SurfaceRequest& request) {
-  return {{"format", request.format},
-          {"format_name", name_json(request.format)},
-          {"width", request.size.width},
-          {"height", request.size.height},
-          {"depth", request.size.depth},
-          {"samples", request.samples},
-          {"tiled", request.tiling_mode == KORVEL_TILING_TILED},
-          {"planes", request.planes},
-          {"levels", request.levels ? Json(*request.levels) : Json()},
-          {"ubwc", (request.flags & LAYOUT_FLAG_UBWC) != 0},
-          {"extra", (request.flags & LAYOUT_FLAG_EXTRA) != 0},
-          {"extended", (request.flags & LAYOUT_FLAG_EXTENDED) != 0}};
+std::string hex_text(uint32_t id) {
+  return fmt::format("0x{:08X}", id);
 }
 
 Json header_json(const MetadataHeader& header) {
@@ -103,8 +88,34 @@ Json record_json(const MemoryLayout& record) {
 
 }  // namespace
 
-Json layout_json(const SimulatedChip& chip, const SurfaceRequest& request,
-                 const LayoutMetadata& blob) {
+Json chip_json(const Chip& chip) {
+  return {{"chip_id", chip.chip_id},
+          {"chip_id_hex", hex_text(chip.chip_id)},
+          {"known", chip.has_row},
+          {"family_id", chip.row.family_id},
+          {"model_code", chip.row.model_code},
+          {"model_code_hex", fmt::format("0x{:06X}", chip.row.model_code)},
+          {"rev_id", chip.row.rev_id},
+          {"rev_id_hex", hex_text(chip.row.rev_id)},
+          {"supported", chip.row.supported}};
+}
+
+Json request_json(const SurfaceRequest& request) {
+  return {{"format", request.format},
+          {"format_name", name_json(request.format)},
+          {"width", request.size.width},
+          {"height", request.size.height},
+          {"depth", request.size.depth},
+          {"samples", request.samples},
+          {"tiled", request.tiling_mode == KORVEL_TILING_TILED},
+          {"planes", request.planes},
+          {"levels", request.levels ? Json(*request.levels) : Json()},
+          {"ubwc", (request.flags & LAYOUT_FLAG_UBWC) != 0},
+          {"extra", (request.flags & LAYOUT_FLAG_EXTRA) != 0},
+          {"extended", (request.flags & LAYOUT_FLAG_EXTENDED) != 0}};
+}
+
+Json layout_json(const Chip& chip, const SurfaceRequest& request, const LayoutMetadata& blob) {
   return {{"chip", chip_json(chip)},
           {"request", request_json(request)},
           {"header", header_json(blob.header)},

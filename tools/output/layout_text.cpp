@@ -129,7 +129,7 @@ std::string totals_text(const LayoutMetadata& blob) {
 
 }  // namespace
 
-std::string layout_text(const SimulatedChip& chip, const SurfaceRequest& request,
+std::string layout_text(const Chip& chip, const SurfaceRequest& request,
                         const LayoutMetadata& blob) {
   const MemoryLayout& record = blob.layout;
   std::string text = line("Surface", request_label(request));

@@ -4,12 +4,12 @@
 #include <string>
 
 #include <korvel_utils.h>
-#include "tools/library/simulated_chip.h"
+#include "tools/request/chip.h"
 #include "tools/request/surface_request.h"
 
 namespace tool {
 
-std::string layout_text(const SimulatedChip& chip, const SurfaceRequest& request,
+std::string layout_text(const Chip& chip, const SurfaceRequest& request,
                         const LayoutMetadata& blob);
 
 // The words of levels and planes alone, and the totals.

@@ -2,15 +2,15 @@
 
 #include <fmt/core.h>
 
-#include <algorithm>
+#include <array>
 #include <cctype>
 #include <cstddef>
 #include <optional>
-#include <vector>
 
 #include "tools/output/standard_error.h"
 #include "tools/request/bad_input.h"
 #include "tools/request/number_text.h"
+#include "tools/request/spelling.h"
 
 namespace tool {
 namespace {
@@ -191,31 +191,13 @@ std::string upper_case(std::string_view text) {
   return upper;
 }
 
-// Letters to insert, remove or replace until one text is the other.
-std::size_t edit_distance(std::string_view a, std::string_view b) {
-  std::vector<std::size_t> row(b.size() + 1);
-  for (std::size_t j = 0; j <= b.size(); ++j) row[j] = j;
-  for (std::size_t i = 1; i <= a.size(); ++i) {
-    std::size_t diagonal = row[0];
-    row[0] = i;
-    for (std::size_t j = 1; j <= b.size(); ++j) {
-      const std::size_t replaced = diagonal + (a[i - 1] == b[j - 1] ? 0 : 1);
-      diagonal = row[j];
-      row[j] = std::min({replaced, row[j] + 1, row[j - 1] + 1});
-    }
-  }
-  return row[b.size()];
-}
-
-std::string_view closest_name(std::string_view name) {
-  constexpr std::size_t kCompared = 64;  // longer than any name
-  name = name.substr(0, kCompared);
-  const FormatName* closest =
-      std::min_element(std::begin(kFormatNames), std::end(kFormatNames),
-                       [name](const FormatName& a, const FormatName& b) {
-                         return edit_distance(name, a.name) < edit_distance(name, b.name);
-                       });
-  return closest->name;
+std::string_view closest_format_name(std::string_view name) {
+  constexpr auto kNames = [] {
+    std::array<std::string_view, std::size(kFormatNames)> names{};
+    for (std::size_t i = 0; i < names.size(); ++i) names[i] = kFormatNames[i].name;
+    return names;
+  }();
+  return closest_name(name, kNames);
 }
 
 std::optional<uint32_t> format_named(std::string_view name) {
@@ -246,7 +228,7 @@ uint32_t parse_format(std::string_view text) {
   if (name.starts_with(kPrefix)) name.remove_prefix(kPrefix.size());
   if (const std::optional<uint32_t> format = format_named(name)) return *format;
   refuse("--format: {} is no known format name; the closest is {}", in_quotes(text),
-         closest_name(name));
+         closest_format_name(name));
 }
 
 }  // namespace tool

@@ -1,6 +1,8 @@
 #include "tools/request/surface_size.h"
 
+#include <algorithm>
 #include <array>
+#include <bit>
 #include <charconv>
 #include <optional>
 #include <system_error>
@@ -36,6 +38,11 @@ std::optional<SurfaceSize> size_of(std::string_view text) {
 }
 
 }  // namespace
+
+uint32_t levels_of(const SurfaceSize& size) {
+  const int32_t side = std::max({size.width, size.height, 1});
+  return static_cast<uint32_t>(std::bit_width(static_cast<uint32_t>(side)));
+}
 
 SurfaceSize parse_surface_size(std::string_view text) {
   const std::optional<SurfaceSize> size = size_of(text);

@@ -12,6 +12,9 @@ struct SurfaceSize {
   int32_t depth = 1;   // array slices or depth
 };
 
+// Levels until both sides have 1 texel.
+uint32_t levels_of(const SurfaceSize& size);
+
 // Throws BadInput. Sizes below 1 pass: the library has its own words for them.
 SurfaceSize parse_surface_size(std::string_view text);
 
