@@ -71,7 +71,7 @@ TEST(Check, RecordOfAnotherChip) {
   const std::string path = folder.file("blob", bytes_of(stored_blob(folder)));
   expect_refused(run_tool("check " + path + " --chip " + hex(harness::full_chip(7).chip_id)),
                  "Metadata device version mismatch");
-  const Outcome unknown = run_tool("check " + path + " --chip 0x12345678");
+  const Outcome unknown = run_tool("check " + path + " --chip 0x12345678 --unknown-chip");
   expect_refused(unknown, "Metadata device version mismatch");
   EXPECT_EQ(count_lines(unknown.err), 1U) << unknown.err;
 }

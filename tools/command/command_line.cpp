@@ -10,7 +10,9 @@
 #include "tools/command/dump_command.h"
 #include "tools/command/exit_codes.h"
 #include "tools/command/explain_command.h"
+#include "tools/command/fit_command.h"
 #include "tools/command/formats_command.h"
+#include "tools/command/guess_command.h"
 #include "tools/command/request_arguments.h"
 #include "tools/command/show_command.h"
 #include "tools/command/table_command.h"
@@ -67,6 +69,25 @@ constexpr const char kDiffExamples[] =
     "  korvel-layout diff nv12.blob --format nv12 --size 1920x1080\n"
     "\n"
     "Exit codes: 0 alike, 1 different, 2 bad input.";
+
+constexpr const char kFitExamples[] =
+    "Examples:\n"
+    "  korvel-layout fit --format 28 --size 1918x1080 --linear --plane pitch=7672,height=1080\n"
+    "  korvel-layout fit --format nv12 --size 1920x1080 --linear \\\n"
+    "    --plane pitch=1920,height=1080,offset=0 --plane pitch=1920,height=540,offset=2073600\n"
+    "  korvel-layout fit --chip family-7 --format 28 --size 64x64 --layout foreign.json\n"
+    "\n"
+    "Numbers of a plane: pitch, offset, size, slice_pitch, flag_pitch, flag_offset and flag_size in\n"
+    "bytes, height in rows; what is not given is filled in. Exit codes: 0 fits, 1 does not, 2 bad\n"
+    "input.";
+
+constexpr const char kGuessExamples[] =
+    "Examples:\n"
+    "  korvel-layout guess --bytes 8392704 --size 1920x1080\n"
+    "  korvel-layout guess --bytes 4177920 --format nv12\n"
+    "  korvel-layout guess --bytes 4153344 --format nv12 --size 1920x1000..1100 --chip family-6\n"
+    "\n"
+    "Without --size, sizes that surfaces often have. Exit codes: 0 found, 1 nothing, 2 bad input.";
 
 void add_strict(CLI::App& command, bool& strict) {
   command.add_flag("--strict", strict, "Exit code 1 when there are warnings");
@@ -148,6 +169,39 @@ CLI::App* add_diff(CLI::App& program, DiffOptions& options) {
   return command;
 }
 
+CLI::App* add_fit(CLI::App& program, FitOptions& options) {
+  CLI::App* const command =
+      program.add_subcommand("fit", "Say whether a layout from elsewhere is one for a chip");
+  add_request(*command, options.request);
+  command->add_option("--plane", options.planes, "Numbers of a plane; once for each plane")
+      ->expected(1)
+      ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
+      ->type_name("NAME=N,...");
+  add_text(*command, "--layout", options.layout, "JSON with planes as show prints them")
+      ->type_name("FILE");
+  command->add_flag("--json", options.json, "JSON instead of text");
+  command->footer(kFitExamples);
+  return command;
+}
+
+CLI::App* add_guess(CLI::App& program, GuessOptions& options) {
+  CLI::App* const command =
+      program.add_subcommand("guess", "Say which layouts come to a number of bytes");
+  command->add_option("--bytes", options.bytes, "Bytes of a dump or an allocation")
+      ->required()
+      ->type_name("N");
+  add_text(*command, "--format", options.format, "Format numbers, names and ranges; default all")
+      ->type_name("FORMATS");
+  add_text(*command, "--size", options.size, "Texels, and slices or depth; sides may be ranges")
+      ->type_name("WxH[xD],...");
+  add_chip(*command, options.chip, options.unknown_chip, "Chips; default all");
+  add_text(*command, "--samples", options.samples, "Default 1,2,4,8")->type_name("LIST");
+  add_text(*command, "--levels", options.levels, "Default none,full")->type_name("LIST");
+  command->add_flag("--json", options.json, "JSON instead of text");
+  command->footer(kGuessExamples);
+  return command;
+}
+
 CLI::App* add_chips(CLI::App& program, bool& json) {
   CLI::App* const command = program.add_subcommand("chips", "List the chip rows");
   command->add_flag("--json", json, "JSON instead of a table");
@@ -168,12 +222,15 @@ CLI::App* add_check(CLI::App& program, CheckOptions& options) {
   command->add_option("FILE", options.file, "Blob or bare record")->required()->type_name("");
   add_text(*command, "--kind", options.kind, "resource or surface; default by the file's size")
       ->type_name("KIND");
-  command->add_option("--chip", options.chip, "Chip that the record must be made for")
-      ->required()
-      ->type_name("CHIP");
-  command->add_flag("--unknown-chip", options.unknown_chip, "An id that is not known, as it is");
+  add_chip(*command, options.chip, options.unknown_chip,
+           "Chip that the record must be made for; default the one that it names");
+  command->add_flag("--json", options.json, "JSON instead of a line");
+  command->add_flag("--strict", options.strict,
+                    "Look for what the rules cannot refuse too; exit code 1 when there is any");
   command->footer(
-      "Warnings beside a valid record tell what of it does not lie inside its surface or buffer.");
+      "Warnings beside a valid record tell what of it does not lie inside its surface or buffer;\n"
+      "with --strict also which buffers share bytes, which levels grow, and which numbers are less\n"
+      "than the chip's rules ask for.");
   return command;
 }
 
@@ -217,6 +274,8 @@ int run_command_line(int argc, char** argv) {
   ExplainOptions explain_options;
   TableOptions table_options;
   DiffOptions diff_options;
+  FitOptions fit_options;
+  GuessOptions guess_options;
   FormatsOptions formats_options;
   CheckOptions check_options;
   DumpOptions dump_options;
@@ -225,6 +284,8 @@ int run_command_line(int argc, char** argv) {
   const CLI::App* const explain_command = add_explain(program, explain_options);
   const CLI::App* const table_command = add_table(program, table_options);
   const CLI::App* const diff_command = add_diff(program, diff_options);
+  const CLI::App* const fit_command = add_fit(program, fit_options);
+  const CLI::App* const guess_command = add_guess(program, guess_options);
   const CLI::App* const chips_command = add_chips(program, chips_json);
   const CLI::App* const formats_command = add_formats(program, formats_options);
   const CLI::App* const check_command = add_check(program, check_options);
@@ -236,7 +297,9 @@ int run_command_line(int argc, char** argv) {
     print_data(help_text(program, success));
     return kExitDone;
   } catch (const CLI::ArgumentMismatch& error) {
-    refuse("{} takes exactly one value", option_of(error));
+    const std::string option = option_of(error);
+    if (option == "FILE") refuse("at most two files are compared; diff --help has examples");
+    refuse("{} takes exactly one value", option);
   } catch (const CLI::ParseError& error) {
     if (!names_no_command(program, argc, argv)) throw BadInput(error.what());
     refuse("{} is no command; korvel-layout --help lists them", in_quotes(argv[1]));
@@ -245,6 +308,8 @@ int run_command_line(int argc, char** argv) {
   if (explain_command->parsed()) return explain(explain_options);
   if (table_command->parsed()) return table(table_options);
   if (diff_command->parsed()) return diff(diff_options);
+  if (fit_command->parsed()) return fit(fit_options);
+  if (guess_command->parsed()) return guess(guess_options);
   if (chips_command->parsed()) return list_chips(chips_json);
   if (formats_command->parsed()) return list_formats(formats_options);
   if (check_command->parsed()) return check(check_options);

@@ -7,7 +7,7 @@
 namespace tool {
 namespace {
 
-constexpr uint64_t started(uint64_t texels, uint64_t texels_of_one) {
+constexpr uint64_t started_units(uint64_t texels, uint64_t texels_of_one) {
   return (texels + texels_of_one - 1) / texels_of_one;
 }
 
@@ -17,8 +17,10 @@ uint64_t plane_payload_bytes(const SurfaceRequest& request, uint32_t plane, uint
   const bool one_plane = own_planes(request.format) == 1;
   const uint64_t element_bytes = one_plane ? format.bytes : korvel::plane_bytes(format, plane);
   const ChromaSteps steps = plane == 0 ? ChromaSteps{} : chroma_steps(request.format);
-  const uint64_t columns = started(width_texels, uint64_t{format.block.width} * steps.width_texels);
-  const uint64_t rows = started(height_texels, uint64_t{format.block.height} * steps.height_texels);
+  const uint64_t columns =
+      started_units(width_texels, uint64_t{format.block.width} * steps.width_texels);
+  const uint64_t rows =
+      started_units(height_texels, uint64_t{format.block.height} * steps.height_texels);
   return columns * rows * element_bytes * request.samples;
 }
 

@@ -12,19 +12,6 @@
 namespace tool {
 namespace {
 
-korvel::Surface surface_of(const korvel::ChipRow& chip, const SurfaceRequest& request) {
-  const SurfaceSize& asked = request.size;
-  const korvel::SignedExtent<korvel::Texels> size =
-      request.levels ? korvel::chain_base_size(static_cast<uint32_t>(asked.width),
-                                               static_cast<uint32_t>(asked.height))
-                     : korvel::SignedExtent<korvel::Texels>{asked.width, asked.height};
-  korvel::Surface surface =
-      korvel::described_surface(chip, size, asked.depth, request.format, request.samples,
-                                request.tiling_mode, request.flags, request.planes);
-  if (request.levels) korvel::make_chain_request(surface.alignment, surface.element_bytes);
-  return surface;
-}
-
 Number explain_surface_alignment(StepWriter& steps, const korvel::Surface& surface) {
   const korvel::AlignmentRequest& alignment = surface.alignment;
   const korvel::FormatTraits& format = alignment.format;
@@ -108,8 +95,21 @@ Number explain_slices(StepWriter& steps, const korvel::Surface& surface, const N
 
 }  // namespace
 
+korvel::Surface described_request(const korvel::ChipRow& chip, const SurfaceRequest& request) {
+  const SurfaceSize& asked = request.size;
+  const korvel::SignedExtent<korvel::Texels> size =
+      request.levels ? korvel::chain_base_size(static_cast<uint32_t>(asked.width),
+                                               static_cast<uint32_t>(asked.height))
+                     : korvel::SignedExtent<korvel::Texels>{asked.width, asked.height};
+  korvel::Surface surface =
+      korvel::described_surface(chip, size, asked.depth, request.format, request.samples,
+                                request.tiling_mode, request.flags, request.planes);
+  if (request.levels) korvel::make_chain_request(surface.alignment, surface.element_bytes);
+  return surface;
+}
+
 Explanation explain_surface(const korvel::ChipRow& chip, const SurfaceRequest& request) {
-  const korvel::Surface surface = surface_of(chip, request);
+  const korvel::Surface surface = described_request(chip, request);
   StepWriter steps;
   Number end;
   if (request.levels) {

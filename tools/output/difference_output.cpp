@@ -54,8 +54,8 @@ std::string parting_line(char name, const AskedLayout& asked, const std::string&
                          std::optional<std::size_t> place) {
   if (!place) return fmt::format("  {}  has no {}\n", name, word_of_field(field));
   const Step& step = asked.explanation.steps[*place];
-  return fmt::format("  {}  {}, step {}: {}\n     {}: {}\n", name, step.subject, *place + 1,
-                     change_text(step), step.fact, step.rule);
+  return fmt::format("  {}  {}, step {}: {}\n", name, step.subject, *place + 1, change_text(step)) +
+         wrapped_lines(fmt::format("{}: {}", step.fact, step.rule), 5);
 }
 
 std::string stored_line(char name, const Difference& difference, const std::string& field) {
@@ -101,7 +101,7 @@ std::string difference_text(const Difference& difference) {
   const auto& [a, b, comparison, parting] = difference;
   std::string text = fmt::format("A  {}\nB  {}\n\n", a.label, b.label);
   if (comparison.differences.empty()) {
-    return text + fmt::format("alike in all {}\n", counted(comparison.compared, "field"));
+    return text + fmt::format("Alike in all {}\n", counted(comparison.compared, "field"));
   }
   TextTable table({{"field", "", TableColumn::left},
                    {"A", "", TableColumn::left},
@@ -113,7 +113,9 @@ std::string difference_text(const Difference& difference) {
   text += table.text();
   text += fmt::format("\n{} of {} differ\n", comparison.differences.size(),
                       counted(comparison.compared, "field"));
-  return parting ? text + parting_text(difference) : text;
+  if (parting) return text + parting_text(difference);
+  if (a.asked && b.asked) text += "\nNo number of the two layouts differs.\n";
+  return text;
 }
 
 Json difference_json(const Difference& difference) {

@@ -49,27 +49,6 @@ Columns columns_of(const Explanation& explanation) {
   return columns;
 }
 
-// Broken between words so that lines end at kLineWidth where they can, each behind the margin.
-constexpr std::size_t kLineWidth = 100;
-
-std::string wrapped_lines(std::string_view text, std::size_t margin) {
-  std::string lines;
-  std::size_t used = 0;
-  while (!text.empty()) {
-    const std::size_t end = std::min(text.find(' '), text.size());
-    const std::string_view word = text.substr(0, end);
-    if (used == 0 || used + 1 + word.size() > kLineWidth) {
-      lines += fmt::format("{}{}{}", used == 0 ? "" : "\n", std::string(margin, ' '), word);
-      used = margin + word.size();
-    } else {
-      lines += fmt::format(" {}", word);
-      used += 1 + word.size();
-    }
-    text.remove_prefix(std::min(end + 1, text.size()));
-  }
-  return lines + "\n";
-}
-
 std::string step_text(std::size_t number, const Step& step, const Columns& columns) {
   std::string text = fmt::format("{:>4}  {:<{}}  {:<{}}", number, step.subject, columns.subject,
                                  change_text(step), columns.change);
@@ -89,6 +68,25 @@ std::string step_text(std::size_t number, const Step& step, const Columns& colum
 }
 
 }  // namespace
+
+std::string wrapped_lines(std::string_view text, std::size_t margin) {
+  constexpr std::size_t kLineWidth = 100;
+  std::string lines;
+  std::size_t used = 0;
+  while (!text.empty()) {
+    const std::size_t end = std::min(text.find(' '), text.size());
+    const std::string_view word = text.substr(0, end);
+    if (used == 0 || used + 1 + word.size() > kLineWidth) {
+      lines += fmt::format("{}{}{}", used == 0 ? "" : "\n", std::string(margin, ' '), word);
+      used = margin + word.size();
+    } else {
+      lines += fmt::format(" {}", word);
+      used += 1 + word.size();
+    }
+    text.remove_prefix(std::min(end + 1, text.size()));
+  }
+  return lines + "\n";
+}
 
 std::string quantity_text(Quantity quantity) {
   if (quantity.unit == Unit::yes_no) return quantity.value != 0 ? "yes" : "no";

@@ -2,12 +2,17 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 #include "tools/explanation/explanation.h"
 #include "tools/request/chip.h"
 #include "tools/request/surface_request.h"
 
 namespace tool {
+
+// Broken between words so that lines end at column 100 where they can, each behind a margin of so
+// many blanks, and each with its line end.
+std::string wrapped_lines(std::string_view text, std::size_t margin);
 
 // "1920 elements", "yes"
 std::string quantity_text(Quantity quantity);

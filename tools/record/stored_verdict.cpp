@@ -71,12 +71,29 @@ Verdict judge_record(const Record& record, const std::optional<Uuid>& device, Va
 
 }  // namespace
 
+MemoryLayout layout_record(const StoredFile& file) {
+  return copy_of<MemoryLayout>(resource_record(file));
+}
+
+SurfaceMetadata surface_record(const StoredFile& file) {
+  return copy_of<SurfaceMetadata>(file.bytes());
+}
+
+Uuid named_device(const StoredFile& file) {
+  Uuid uuid{};
+  if (file.kind() == RecordKind::surface) {
+    std::memcpy(uuid.data(), surface_record(file).device_uuid, uuid.size());
+  } else {
+    std::memcpy(uuid.data(), layout_record(file).device_uuid, uuid.size());
+  }
+  return uuid;
+}
+
 Verdict judge(const StoredFile& file, const std::optional<Uuid>& device) {
   if (file.kind() == RecordKind::surface) {
-    return judge_record(copy_of<SurfaceMetadata>(file.bytes()), device, validate_surface_metadata);
+    return judge_record(surface_record(file), device, validate_surface_metadata);
   }
-  return judge_record(copy_of<MemoryLayout>(resource_record(file)), device,
-                      validate_resource_memory_layout_metadata);
+  return judge_record(layout_record(file), device, validate_resource_memory_layout_metadata);
 }
 
 }  // namespace tool

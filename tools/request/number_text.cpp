@@ -25,15 +25,24 @@ bool is_digit(char c, int base) {
   return base == 16 && ((c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F'));
 }
 
-}  // namespace
-
-std::optional<uint32_t> number_of(std::string_view text) {
+template <typename Number>
+std::optional<Number> parsed(std::string_view text) {
   const Digits digits = digits_of(text);
   const char* const end = digits.text.data() + digits.text.size();
-  uint32_t number = 0;
+  Number number = 0;
   const auto [stop, error] = std::from_chars(digits.text.data(), end, number, digits.base);
   if (error != std::errc() || stop != end) return std::nullopt;
   return number;
+}
+
+}  // namespace
+
+std::optional<uint32_t> number_of(std::string_view text) {
+  return parsed<uint32_t>(text);
+}
+
+std::optional<uint64_t> long_number_of(std::string_view text) {
+  return parsed<uint64_t>(text);
 }
 
 bool is_written_as_number(std::string_view text) {

@@ -11,6 +11,9 @@ namespace tool {
 // Nothing when the text is no number of at most 32 bits.
 std::optional<uint32_t> number_of(std::string_view text);
 
+// The same for 64 bits.
+std::optional<uint64_t> long_number_of(std::string_view text);
+
 // Digits only, whether or not their number fits 32 bits.
 bool is_written_as_number(std::string_view text);
 
