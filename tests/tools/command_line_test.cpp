@@ -1,6 +1,8 @@
 // Command lines that make no sense, and what helps with them.
 #include <gtest/gtest.h>
 
+#include <map>
+
 #include "tests/tools/run_tool.h"
 #include "tests/tools/scratch_folder.h"
 
@@ -17,7 +19,8 @@ void expect_reason(const std::string& arguments, const std::string& part) {
 TEST(CommandLine, HelpAndVersion) {
   for (const char* arguments :
        {"--help", "-h", "show --help", "explain --help", "table --help", "diff --help",
-        "check --help", "dump --help", "chips --help", "formats --help"}) {
+        "fit --help", "guess --help", "help", "help show", "help diff", "", "check --help",
+        "dump --help", "chips --help", "formats --help"}) {
     const Outcome run = run_tool(arguments);
     EXPECT_EQ(run.exit_code, 0) << arguments;
     EXPECT_NE(run.out.find("Usage: korvel-layout"), std::string::npos) << arguments;
@@ -31,8 +34,7 @@ TEST(CommandLine, HelpAndVersion) {
 }
 
 TEST(CommandLine, WhatItCannotMakeSenseOf) {
-  expect_reason("", "no command given");
-  expect_reason("shew", "\"shew\" is no command");
+  expect_reason("shew", "\"shew\" is no command; did you mean show?");
   expect_reason("--chip 1", "--chip");
   expect_reason("show", "required");
   expect_reason("show --format 28", "--size");
@@ -46,6 +48,78 @@ TEST(CommandLine, WhatItCannotMakeSenseOf) {
   expect_reason("check somewhere", "cannot open");
   expect_reason("dump", "FILE is required");
   expect_reason("show chips", "required");
+}
+
+TEST(CommandLine, HelpOfACommand) {
+  for (const char* command :
+       {"show", "explain", "table", "diff", "fit", "guess", "chips", "formats", "check", "dump"}) {
+    const std::string name = command;
+    const std::string help = run_tool("help " + name).out;
+    EXPECT_EQ(help, run_tool(name + " --help").out);
+    EXPECT_NE(help.find("Usage: korvel-layout " + name), std::string::npos) << help;
+    EXPECT_NE(run_tool("help").out.find("\n  " + name + " "), std::string::npos) << name;
+  }
+  EXPECT_EQ(run_tool("").out, run_tool("--help").out);
+  expect_reason("help shaw", "\"shaw\" is no command; did you mean show?");
+}
+
+TEST(CommandLine, DidYouMean) {
+  expect_reason("chip", "did you mean chips?");
+  expect_reason("xyzzyxy", "\"xyzzyxy\" is no command; korvel-layout --help lists them");
+  expect_reason(kShow + " --lineer",
+                "\"--lineer\" is no option of korvel-layout show; did you mean "
+                "--linear? korvel-layout show --help lists them");
+  expect_reason(kShow + " --sample=4", "did you mean --samples?");
+  expect_reason(kShow + " --colour",
+                "\"--colour\" is no option of korvel-layout show; korvel-layout");
+  expect_reason(kShow + " --chip 0x43010001",
+                "the closest id is 0x43010000; korvel-layout chips lists all, and --unknown-chip");
+  expect_reason(kShow + " more", "\"more\" is one word too many");
+  expect_reason("show --format 28", "--size is required, for example --size 1920x1080");
+  expect_reason("show --size 1x1", "--format is required, for example --format r8g8b8a8_unorm");
+}
+
+// By id, model, revision or family. A model or revision of several chips needs more words.
+TEST(CommandLine, Chips) {
+  const auto chip_of = [](const std::string& chip) {
+    return json_of(kShow + " --chip " + chip).at("chip").at("chip_id_hex").get<std::string>();
+  };
+  EXPECT_EQ(chip_of("0x43010000"), "0x43010000");
+  EXPECT_EQ(chip_of("1124139008"), "0x43010000");
+  EXPECT_EQ(chip_of("0x0316000A"), "0x43010000");
+  EXPECT_EQ(chip_of("family-6"), "0x43010000");
+  EXPECT_EQ(chip_of("0x060323"), "0x430E0000");
+  expect_reason(kShow + " --chip 0x0316010A",
+                "2 chips have 0x0316010A; name one of them: 0x43010060, 0x43010061");
+  expect_reason(kShow + " --chip family-8", "there are family-5, family-6 and family-7");
+  expect_reason(kShow + " --chip 0x12345678", "no chip has the id, model or revision 0x12345678");
+  EXPECT_EQ(run_tool(kShow + " --chip 0x12345678 --unknown-chip").exit_code, 0);
+}
+
+TEST(CommandLine, FormatsByOtherNames) {
+  const auto format_of = [](const std::string& format) {
+    return json_of("show --size 64x64 --format " + format).at("request").at("format").get<int>();
+  };
+  const std::map<std::string, int> formats = {{"VK_FORMAT_R8G8B8A8_UNORM", 28},
+                                              {"VK_FORMAT_R8G8B8A8_SRGB", 29},
+                                              {"vk_format_r16g16b16a16_sfloat", 10},
+                                              {"VK_FORMAT_B8G8R8A8_SRGB", 91},
+                                              {"VK_FORMAT_A2B10G10R10_UNORM_PACK32", 24},
+                                              {"VK_FORMAT_BC7_SRGB_BLOCK", 99},
+                                              {"VK_FORMAT_ASTC_12x12_SRGB_BLOCK", 187},
+                                              {"VK_FORMAT_D32_SFLOAT", 40},
+                                              {"VK_FORMAT_G8_B8R8_2PLANE_420_UNORM", 103},
+                                              {"DRM_FORMAT_ABGR8888", 28},
+                                              {"AB24", 28},
+                                              {"AR24", 87},
+                                              {"XR24", 88},
+                                              {"DRM_FORMAT_NV12", 103},
+                                              {"YUYV", 107},
+                                              {"RG16", 85}};
+  for (const auto& [name, format] : formats) EXPECT_EQ(format_of(name), format) << name;
+  expect_reason("show --size 1x1 --format XB24",
+                "R8G8B8A8_UNORM (28) is laid out alike, with other channels: write --format 28");
+  expect_reason("show --size 1x1 --format VK_FORMAT_R8G8B8A8", "no known format name");
 }
 
 TEST(CommandLine, Formats) {

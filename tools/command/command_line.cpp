@@ -3,6 +3,7 @@
 #include <optional>
 #include <sstream>
 #include <string>
+#include <string_view>
 
 #include "tools/command/check_command.h"
 #include "tools/command/chips_command.h"
@@ -13,6 +14,7 @@
 #include "tools/command/fit_command.h"
 #include "tools/command/formats_command.h"
 #include "tools/command/guess_command.h"
+#include "tools/command/parse_refusal.h"
 #include "tools/command/request_arguments.h"
 #include "tools/command/show_command.h"
 #include "tools/command/table_command.h"
@@ -29,13 +31,18 @@ constexpr const char kExamples[] =
     "  korvel-layout show --chip 0x44010000 --format nv12 --size 3840x2160 --blob nv12.blob\n"
     "  korvel-layout show --format 28 --size 2048x2048 --levels 12 --json\n"
     "  korvel-layout explain --format r8g8b8a8_unorm --size 1918x1080 --linear\n"
+    "  korvel-layout table --format 28,nv12 --size 1920x1080 --chip all-families --linear both\n"
+    "  korvel-layout diff --format 28 --size 2000x1080 --a '--linear' --b '--ubwc'\n"
+    "  korvel-layout fit --format 28 --size 1918x1080 --linear --plane pitch=7672\n"
+    "  korvel-layout guess --bytes 8392704 --size 1920x1080\n"
     "  korvel-layout check nv12.blob --chip 0x44010000\n"
     "  korvel-layout dump nv12.blob\n"
     "  korvel-layout formats --chip 0x43010000\n"
     "  korvel-layout chips\n"
     "\n"
-    "Exit codes: 0 done, 1 refused by the validator (check) or warnings with --strict, 2 bad\n"
-    "input, 3 an explanation that does not come to the library's numbers (a bug).";
+    "korvel-layout help COMMAND says more of one. A file named - is standard input or output.\n"
+    "Exit codes: 0 done, 1 no (refused, different, not fitting, not found, or warnings with\n"
+    "--strict), 2 bad input, 3 an explanation that does not come to the library's numbers (a bug).";
 
 constexpr const char kShowExamples[] =
     "Examples:\n"
@@ -154,9 +161,7 @@ CLI::App* add_table(CLI::App& program, TableOptions& options) {
 CLI::App* add_diff(CLI::App& program, DiffOptions& options) {
   CLI::App* const command =
       program.add_subcommand("diff", "Compare two layouts, and say where they part");
-  command->add_option("FILE", options.files, "Blobs or bare records, at most two")
-      ->expected(0, 2)
-      ->type_name("");
+  command->add_option("FILE", options.files, "Blobs or bare records, at most two")->type_name("");
   add_text(*command, "--a", options.a, "Options of the first layout alone, in quotes")
       ->type_name("OPTIONS");
   add_text(*command, "--b", options.b, "Options of the second layout alone, in quotes")
@@ -195,8 +200,10 @@ CLI::App* add_guess(CLI::App& program, GuessOptions& options) {
   add_text(*command, "--size", options.size, "Texels, and slices or depth; sides may be ranges")
       ->type_name("WxH[xD],...");
   add_chip(*command, options.chip, options.unknown_chip, "Chips; default all");
-  add_text(*command, "--samples", options.samples, "Default 1,2,4,8")->type_name("LIST");
-  add_text(*command, "--levels", options.levels, "Default none,full")->type_name("LIST");
+  add_text(*command, "--samples", options.samples, "Default 1, with --size 1,2,4,8")
+      ->type_name("LIST");
+  add_text(*command, "--levels", options.levels, "Default none, with --size full too")
+      ->type_name("LIST");
   command->add_flag("--json", options.json, "JSON instead of text");
   command->footer(kGuessExamples);
   return command;
@@ -219,7 +226,11 @@ CLI::App* add_formats(CLI::App& program, FormatsOptions& options) {
 CLI::App* add_check(CLI::App& program, CheckOptions& options) {
   CLI::App* const command =
       program.add_subcommand("check", "Have the library validate a stored blob or record");
-  command->add_option("FILE", options.file, "Blob or bare record")->required()->type_name("");
+  command
+      ->add_option("FILE", options.file,
+                   "Blob or bare record: bytes, hex or base64; - for standard input")
+      ->required()
+      ->type_name("");
   add_text(*command, "--kind", options.kind, "resource or surface; default by the file's size")
       ->type_name("KIND");
   add_chip(*command, options.chip, options.unknown_chip,
@@ -237,15 +248,15 @@ CLI::App* add_check(CLI::App& program, CheckOptions& options) {
 CLI::App* add_dump(CLI::App& program, DumpOptions& options) {
   CLI::App* const command =
       program.add_subcommand("dump", "Print a stored blob or record field by field");
-  command->add_option("FILE", options.file, "Blob or bare record")->required()->type_name("");
+  command
+      ->add_option("FILE", options.file,
+                   "Blob or bare record: bytes, hex or base64; - for standard input")
+      ->required()
+      ->type_name("");
   add_text(*command, "--kind", options.kind, "resource or surface; default by the file's size")
       ->type_name("KIND");
   command->add_flag("--all", options.all, "Also every field that is not in use");
   return command;
-}
-
-bool names_no_command(const CLI::App& program, int argc, char** argv) {
-  return argc > 1 && argv[1][0] != '-' && program.get_subcommands().empty();
 }
 
 // What the user asked for: help or the version.
@@ -257,10 +268,18 @@ std::string help_text(const CLI::App& program, const CLI::Success& success) {
   return text;
 }
 
-// The name in front of the parser's own words on an option given twice or without its value.
-std::string option_of(const CLI::ParseError& error) {
-  const std::string text = error.what();
-  return text.substr(0, text.find(':'));
+// `help` and `help COMMAND`.
+std::string asked_help(const CLI::App& program, int argc, char** argv) {
+  if (argc <= 2) return program.help();
+  const std::string_view asked = argv[2];
+  for (const CLI::App* command : program.get_subcommands([](const CLI::App*) { return true; })) {
+    if (command->get_name() == asked) return command->help(program.get_name());
+  }
+  throw BadInput(unknown_command(program, asked));
+}
+
+bool asks_for_help(int argc, char** argv) {
+  return argc <= 1 || std::string_view(argv[1]) == "help";
 }
 
 }  // namespace
@@ -291,18 +310,17 @@ int run_command_line(int argc, char** argv) {
   const CLI::App* const check_command = add_check(program, check_options);
   const CLI::App* const dump_command = add_dump(program, dump_options);
   program.footer(kExamples);  // commands take over the footer that is set before them
+  if (asks_for_help(argc, argv)) {
+    print_data(asked_help(program, argc, argv));
+    return kExitDone;
+  }
   try {
     program.parse(argc, argv);
   } catch (const CLI::Success& success) {
     print_data(help_text(program, success));
     return kExitDone;
-  } catch (const CLI::ArgumentMismatch& error) {
-    const std::string option = option_of(error);
-    if (option == "FILE") refuse("at most two files are compared; diff --help has examples");
-    refuse("{} takes exactly one value", option);
   } catch (const CLI::ParseError& error) {
-    if (!names_no_command(program, argc, argv)) throw BadInput(error.what());
-    refuse("{} is no command; korvel-layout --help lists them", in_quotes(argv[1]));
+    throw BadInput(parse_refusal(program, error, argv[1]));
   }
   if (show_command->parsed()) return show(show_options);
   if (explain_command->parsed()) return explain(explain_options);

@@ -27,6 +27,7 @@ ComparedSide side_of_text(const char* option, const std::optional<std::string>& 
 
 std::pair<ComparedSide, ComparedSide> sides_of(const DiffOptions& options) {
   const std::vector<std::string>& files = options.files;
+  if (files.size() > 2) refuse("at most two files are compared; diff --help has examples");
   const bool asks = options.a || options.b || names_a_surface(options.common);
   if (files.size() == 2) {
     if (asks) refuse("two files leave no side for a request; give one file, or no request");

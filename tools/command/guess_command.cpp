@@ -26,8 +26,9 @@ RequestLists lists_of(const GuessOptions& options) {
   lists.chips = parse_chips(options.chip.value_or("all"), options.unknown_chip);
   lists.formats = parse_formats(options.format.value_or("all"));
   lists.sizes = options.size ? parse_sizes(*options.size) : usual_sizes();
-  lists.samples = parse_numbers("--samples", options.samples.value_or("1,2,4,8"), 1, 8);
-  lists.levels = parse_levels(options.levels.value_or("none,full"));
+  lists.samples =
+      parse_numbers("--samples", options.samples.value_or(options.size ? "1,2,4,8" : "1"), 1, 8);
+  lists.levels = parse_levels(options.levels.value_or(options.size ? "none,full" : "none"));
   lists.linear = Choice::both;
   lists.ubwc = Choice::both;
   return lists;

@@ -26,7 +26,9 @@ int show(const ShowOptions& options) {
     write_file(*options.blob, std::as_bytes(std::span(&blob, 1)), options.force);
   }
   print_warnings(warnings);
-  if (options.json) {
+  if (options.blob == kStandardOutput) {
+    // Standard output has the blob.
+  } else if (options.json) {
     nlohmann::ordered_json json = layout_json(chip, request, blob);
     json["warnings"] = warnings;
     print_data(json.dump(2) + "\n");

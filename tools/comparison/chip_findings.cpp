@@ -144,14 +144,31 @@ void add_alignment(Sentences& sentences, const Record& record, const Chip& chip)
                   counted(record.alignment, "byte"), asked_bytes));
 }
 
-// A record of one level may be a chain of one, whose rows are not padded and whose image is not
-// rounded up: it is enough that one kind has no finding.
+template <typename Record>
+bool has_flag_buffers(const Record& record) {
+  for (uint32_t p = 0; p < record.level[0].planes; ++p) {
+    if (record.level[0].plane[p].flag_valid != 0) return true;
+  }
+  return false;
+}
+
+// A chain keeps its flag buffers apart from the images, so that their slices differ.
+template <typename Record>
+bool is_chain(const Record& record) {
+  const auto& plane = record.level[0].plane[0];
+  return record.levels > 1 ||
+         (plane.flag_valid != 0 && plane.flag_slice_pitch != plane.image_slice_pitch);
+}
+
+// A record of one level without flag buffers does not tell whether it is a chain of one, whose rows
+// are not padded and whose image is not rounded up: it is enough that one kind has no finding.
 template <typename Record>
 Sentences all_findings(const Record& record, const Chip& chip) {
   Sentences sentences;
   add_alignment(sentences, record, chip);
-  Sentences levels = level_findings(record, chip, record.levels > 1);
-  if (record.levels == 1 && !levels.empty() && level_findings(record, chip, true).empty()) {
+  Sentences levels = level_findings(record, chip, is_chain(record));
+  const bool may_be_a_chain = record.levels == 1 && !has_flag_buffers(record);
+  if (may_be_a_chain && !levels.empty() && level_findings(record, chip, true).empty()) {
     levels.clear();
   }
   sentences.insert(sentences.end(), levels.begin(), levels.end());

@@ -132,7 +132,11 @@ class FitWriter {
         std::clamp<uint64_t>(given.height_rows.value_or(0), own_rows, kMostSide));
     const PlaneDemand demand = plane_demand(surface_, p, width_el, least_rows, false);
     std::string why = last_change(demand.steps, "height");
-    if (why.empty()) why = fmt::format("the surface has {}", counted(own_rows, "row"));
+    if (why.empty()) {
+      why = fmt::format("{} {}",
+                        p == 0 ? "the surface has" : "every plane takes the size of the surface,",
+                        counted(own_rows, "row"));
+    }
     add("height", given.height_rows, demand.rows, Unit::rows, std::move(why));
     return demand.rows;
   }

@@ -66,18 +66,21 @@ struct LaidOut {
   uint32_t element_bytes;
 };
 
-// Nothing for a request without a layout, or one whose numbers wrap, or that comes to the same as
-// one without flag buffers.
+bool wraps(const Explanation& explanation) {
+  return std::any_of(explanation.steps.begin(), explanation.steps.end(),
+                     [](const Step& step) { return step.wrapped; });
+}
+
+// Nothing for a request without a layout, for one whose numbers wrap, and for one that comes to the
+// same as one without flag buffers.
 std::optional<LaidOut> laid_out(const korvel::ChipRow& chip, const SurfaceRequest& request) {
+  const bool flags = (request.flags & LAYOUT_FLAG_UBWC) != 0;
+  if (flags && !korvel::ubwc_supported(chip, request.format)) return std::nullopt;
   if (!refused_request(request).empty() || !forecast_fault(chip, request).empty()) {
     return std::nullopt;
   }
-  const bool flags = (request.flags & LAYOUT_FLAG_UBWC) != 0;
-  if (flags && !korvel::ubwc_supported(chip, request.format)) return std::nullopt;
   const Explanation explanation = explain_surface(chip, request);
-  for (const Step& step : explanation.steps) {
-    if (step.wrapped) return std::nullopt;
-  }
+  if (wraps(explanation)) return std::nullopt;
   const MemoryLayout record = explained_record(chip, request, explanation);
   const PlaneLayout& plane = record.level[0].plane[0];
   return LaidOut{record.total_size - record.size, plane.image_pitch, plane.image_element_size};
@@ -102,7 +105,7 @@ class Guesser {
     for (std::size_t i = 0; i < chips.size(); ++i) {
       for (const std::vector<uint32_t>& formats :
            formats_alike(lists_.formats, chips[i].front().row)) {
-        try_all(chips[i], formats);
+        try_all({formats, chips[i]});
         progress(i, chips.size());
       }
     }
@@ -110,27 +113,27 @@ class Guesser {
   }
 
  private:
-  void try_all(const std::vector<Chip>& chips, const std::vector<uint32_t>& formats) {
+  void try_all(const GuessedGroup& group) {
+    const Chip& chip = group.chips.front();
     RequestLists one = lists_;
-    one.chips = {chips.front()};
-    one.formats = {formats.front()};
+    one.chips = {chip};
+    one.formats = {group.formats.front()};
     for (const ChipRequest& asked : all_requests(one)) {
-      // No layout is smaller than its texels.
+      // No layout is smaller than its texels, but for those whose numbers wrap.
       const uint64_t payload = payload_bytes(asked.request);
       if (payload > bytes_ && guesses_.closest_above && payload >= *guesses_.closest_above)
         continue;
-      const std::optional<LaidOut> layout = laid_out(asked.chip.row, asked.request);
+      const std::optional<LaidOut> layout = laid_out(chip.row, asked.request);
       if (!layout) continue;
       ++guesses_.tried;
-      compare(*layout, asked.request, chips, formats);
+      compare(*layout, asked, group);
     }
   }
 
-  void compare(const LaidOut& layout, const SurfaceRequest& request, const std::vector<Chip>& chips,
-               const std::vector<uint32_t>& formats) {
+  void compare(const LaidOut& layout, const ChipRequest& asked, const GuessedGroup& group) {
     const bool with_record = layout.bytes + sizeof(MemoryLayout) == bytes_;
     if (layout.bytes == bytes_ || with_record) {
-      add({request, formats, chips, layout.pitch_bytes, layout.element_bytes, with_record});
+      add({asked.request, layout.pitch_bytes, layout.element_bytes, with_record, {}}, group);
     } else if (layout.bytes < bytes_) {
       guesses_.closest_below = std::max(guesses_.closest_below.value_or(0), layout.bytes);
     } else {
@@ -139,17 +142,14 @@ class Guesser {
     }
   }
 
-  // Formats that lay out alike on the same chips, and then chips with the same formats.
-  void add(const Guess& guess) {
-    for (Guess& known : guesses_.found) {
-      if (!is_same_layout(known, guess)) continue;
-      if (known.chips.front().chip_id == guess.chips.front().chip_id) {
-        known.formats.insert(known.formats.end(), guess.formats.begin(), guess.formats.end());
-        std::sort(known.formats.begin(), known.formats.end());
-        return;
-      }
+  void add(const Guess& guess, const GuessedGroup& group) {
+    auto known = std::find_if(guesses_.found.begin(), guesses_.found.end(),
+                              [&guess](const Guess& g) { return is_same_layout(g, guess); });
+    if (known == guesses_.found.end()) {
+      guesses_.found.push_back(guess);
+      known = guesses_.found.end() - 1;
     }
-    guesses_.found.push_back(guess);
+    known->groups.push_back(group);
   }
 
   uint64_t bytes_;
@@ -157,23 +157,36 @@ class Guesser {
   Guesses guesses_;
 };
 
-void merge_chips(Guesses& guesses) {
-  std::vector<Guess> merged;
-  for (Guess& guess : guesses.found) {
-    const auto same = std::find_if(merged.begin(), merged.end(), [&guess](const Guess& known) {
-      return is_same_layout(known, guess) && known.formats == guess.formats;
+bool has_same_chips(const GuessedGroup& a, const GuessedGroup& b) {
+  return std::equal(a.chips.begin(), a.chips.end(), b.chips.begin(), b.chips.end(),
+                    [](const Chip& x, const Chip& y) { return x.chip_id == y.chip_id; });
+}
+
+// First the formats of the same chips, then the chips of the same formats.
+void merge_groups(std::vector<GuessedGroup>& groups) {
+  std::vector<GuessedGroup> by_chips;
+  for (const GuessedGroup& group : groups) {
+    const auto same = std::find_if(by_chips.begin(), by_chips.end(), [&group](const auto& known) {
+      return has_same_chips(known, group);
     });
-    if (same == merged.end()) {
-      merged.push_back(std::move(guess));
+    if (same == by_chips.end()) {
+      by_chips.push_back(group);
     } else {
-      same->chips.insert(same->chips.end(), guess.chips.begin(), guess.chips.end());
+      same->formats.insert(same->formats.end(), group.formats.begin(), group.formats.end());
     }
   }
-  for (Guess& guess : merged) {
-    std::sort(guess.chips.begin(), guess.chips.end(),
-              [](const Chip& a, const Chip& b) { return a.chip_id < b.chip_id; });
+  std::map<std::vector<uint32_t>, std::vector<Chip>> by_formats;
+  for (GuessedGroup& group : by_chips) {
+    std::sort(group.formats.begin(), group.formats.end());
+    std::vector<Chip>& chips = by_formats[group.formats];
+    chips.insert(chips.end(), group.chips.begin(), group.chips.end());
   }
-  guesses.found = std::move(merged);
+  groups.clear();
+  for (auto& [formats, chips] : by_formats) {
+    std::sort(chips.begin(), chips.end(),
+              [](const Chip& a, const Chip& b) { return a.chip_id < b.chip_id; });
+    groups.push_back({formats, std::move(chips)});
+  }
 }
 
 }  // namespace
@@ -181,7 +194,7 @@ void merge_chips(Guesses& guesses) {
 Guesses guess_layouts(uint64_t bytes, const RequestLists& lists,
                       const std::function<void(std::size_t, std::size_t)>& progress) {
   Guesses guesses = Guesser(bytes, lists).guess(progress);
-  merge_chips(guesses);
+  for (Guess& guess : guesses.found) merge_groups(guess.groups);
   return guesses;
 }
 

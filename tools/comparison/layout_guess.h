@@ -11,14 +11,18 @@
 
 namespace tool {
 
-// Chips and formats that lay out alike stand together.
+// Every one of these chips lays out every one of these formats so.
+struct GuessedGroup {
+  std::vector<uint32_t> formats;
+  std::vector<Chip> chips;
+};
+
 struct Guess {
-  SurfaceRequest request;         // of the first format
-  std::vector<uint32_t> formats;  // that come to the same layout
-  std::vector<Chip> chips;        // likewise
-  uint32_t pitch_bytes = 0;       // of level 0, plane 0
-  uint32_t element_bytes = 0;     // all samples
-  bool counts_record = false;     // with the bytes of the record behind the surface
+  SurfaceRequest request;      // of the first format
+  uint32_t pitch_bytes = 0;    // of level 0, plane 0
+  uint32_t element_bytes = 0;  // all samples
+  bool counts_record = false;  // with the bytes of the record behind the surface
+  std::vector<GuessedGroup> groups;
 };
 
 struct Guesses {

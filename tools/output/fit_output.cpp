@@ -57,7 +57,7 @@ std::string fit_text(const Chip& chip, const SurfaceRequest& request, const Layo
   text += fmt::format("{:<16} {}\n", "Chip", chip_label(chip));
   for (std::size_t p = 0; p < fit.planes.size(); ++p) text += plane_text(p, fit.planes[p]);
   if (fit.fits()) return text + "\nThe layout fits.\n";
-  text += fmt::format("\nThe layout does not fit: {}. The nearest that does takes {} bytes:\n",
+  text += fmt::format("\nThe layout does not fit in {}. The nearest that does takes {} bytes:\n",
                       counted(count_of_misfits(fit), "number"), fit.allocation_bytes);
   for (const Numbers& numbers : fit.planes) text += fmt::format("  {}\n", nearest_text(numbers));
   return text;

@@ -3,6 +3,7 @@
 #include <fmt/core.h>
 
 #include <algorithm>
+#include <set>
 
 #include "tools/output/layout_json.h"
 #include "tools/output/text_table.h"
@@ -16,6 +17,22 @@ using Json = nlohmann::ordered_json;
 
 constexpr std::size_t kMostRows = 40;
 constexpr std::size_t kMostNames = 3;
+
+std::vector<uint32_t> all_formats(const Guess& guess) {
+  std::set<uint32_t> formats;
+  for (const GuessedGroup& group : guess.groups) {
+    formats.insert(group.formats.begin(), group.formats.end());
+  }
+  return {formats.begin(), formats.end()};
+}
+
+std::vector<uint32_t> all_chip_ids(const Guess& guess) {
+  std::set<uint32_t> ids;
+  for (const GuessedGroup& group : guess.groups) {
+    for (const Chip& chip : group.chips) ids.insert(chip.chip_id);
+  }
+  return {ids.begin(), ids.end()};
+}
 
 // The first few of a list: "28, 29, 30 and 12 more".
 template <typename Item, typename Name>
@@ -36,11 +53,11 @@ std::string formats_text(const std::vector<uint32_t>& formats) {
   });
 }
 
-std::string chips_text(const std::vector<Chip>& chips, const RequestLists& tried) {
-  if (chips.size() == tried.chips.size() && chips.size() > kMostNames) {
-    return fmt::format("all {}", chips.size());
+std::string chips_text(const std::vector<uint32_t>& ids, const RequestLists& tried) {
+  if (ids.size() == tried.chips.size() && ids.size() > kMostNames) {
+    return fmt::format("all {}", ids.size());
   }
-  return first_few(chips, [](const Chip& chip) { return fmt::format("0x{:08X}", chip.chip_id); });
+  return first_few(ids, [](uint32_t id) { return fmt::format("0x{:08X}", id); });
 }
 
 std::string size_text(const SurfaceSize& size) {
@@ -63,32 +80,42 @@ std::string rows_text(const Guesses& guesses, const RequestLists& tried) {
   for (std::size_t i = 0; i < shown; ++i) {
     const Guess& guess = guesses.found[i];
     const SurfaceRequest& request = guess.request;
-    table.add_row({size_text(request.size), fmt::format("{}", request.samples),
-                   request.levels ? fmt::format("{}", *request.levels) : "-",
-                   request.tiling_mode == KORVEL_TILING_TILED ? "tiled" : "linear",
-                   (request.flags & LAYOUT_FLAG_UBWC) != 0 ? "yes" : "-",
-                   fmt::format("{}", request.planes), fmt::format("{}", guess.pitch_bytes),
-                   formats_text(guess.formats) + (guess.counts_record ? " (with the record)" : ""),
-                   chips_text(guess.chips, tried)});
+    table.add_row(
+        {size_text(request.size), fmt::format("{}", request.samples),
+         request.levels ? fmt::format("{}", *request.levels) : "-",
+         request.tiling_mode == KORVEL_TILING_TILED ? "tiled" : "linear",
+         (request.flags & LAYOUT_FLAG_UBWC) != 0 ? "yes" : "-", fmt::format("{}", request.planes),
+         fmt::format("{}", guess.pitch_bytes),
+         formats_text(all_formats(guess)) + (guess.counts_record ? " (with the record)" : ""),
+         chips_text(all_chip_ids(guess), tried) + (guess.groups.size() > 1 ? " *" : "")});
   }
   std::string text = table.text();
   if (guesses.found.size() > shown) {
     text += fmt::format("and {} more; --json lists them all\n", guesses.found.size() - shown);
   }
+  const bool by_chip = std::any_of(guesses.found.begin(), guesses.found.end(),
+                                   [](const Guess& guess) { return guess.groups.size() > 1; });
+  if (by_chip) text += "\n* not every chip lays out every format so; --json says which\n";
   return text;
 }
 
-Json guess_json(const Guess& guess) {
+Json group_json(const GuessedGroup& group) {
   Json formats = Json::array();
-  for (const uint32_t format : guess.formats) {
+  for (const uint32_t format : group.formats) {
     const std::string_view name = format_name(format);
     formats.push_back({{"format", format}, {"format_name", name.empty() ? Json() : Json(name)}});
   }
   Json chips = Json::array();
-  for (const Chip& chip : guess.chips) {
+  for (const Chip& chip : group.chips) {
     chips.push_back(
         {{"chip_id", chip.chip_id}, {"chip_id_hex", fmt::format("0x{:08X}", chip.chip_id)}});
   }
+  return {{"formats", std::move(formats)}, {"chips", std::move(chips)}};
+}
+
+Json found_json(const Guess& guess) {
+  Json groups = Json::array();
+  for (const GuessedGroup& group : guess.groups) groups.push_back(group_json(group));
   Json request = request_json(guess.request);
   request.erase("format");
   request.erase("format_name");
@@ -96,8 +123,7 @@ Json guess_json(const Guess& guess) {
           {"image_pitch", guess.pitch_bytes},
           {"image_element_size", guess.element_bytes},
           {"counts_record", guess.counts_record},
-          {"formats", std::move(formats)},
-          {"chips", std::move(chips)}};
+          {"groups", std::move(groups)}};
 }
 
 Json optional_bytes(std::optional<uint64_t> bytes) {
@@ -124,14 +150,14 @@ std::string guess_text(uint64_t bytes, const Guesses& guesses, const RequestList
     return fmt::format("None of {} comes to {}{}\n", counted(guesses.tried, "layout"),
                        counted(bytes, "byte"), closest_text(bytes, guesses));
   }
-  return fmt::format("{}: {} of the {} tried\n\n", counted(bytes, "byte"),
-                     counted(guesses.found.size(), "kind of layout"), guesses.tried) +
+  return fmt::format("{} {} to {}\n\n", counted(guesses.found.size(), "layout"),
+                     guesses.found.size() == 1 ? "comes" : "come", counted(bytes, "byte")) +
          rows_text(guesses, tried);
 }
 
 Json guess_json(uint64_t bytes, const Guesses& guesses) {
   Json found = Json::array();
-  for (const Guess& guess : guesses.found) found.push_back(guess_json(guess));
+  for (const Guess& guess : guesses.found) found.push_back(found_json(guess));
   return {{"bytes", bytes},
           {"tried", guesses.tried},
           {"found", std::move(found)},

@@ -9,6 +9,7 @@
 #include <filesystem>
 
 #include "tools/output/standard_error.h"
+#include "tools/output/standard_output.h"
 #include "tools/output/system_error.h"
 #include "tools/request/bad_input.h"
 
@@ -79,6 +80,9 @@ void write_into(const std::string& path, std::span<const std::byte> bytes) {
 }  // namespace
 
 void write_file(const std::string& path, std::span<const std::byte> bytes, bool replace) {
+  if (path == kStandardOutput) {
+    return print_data({reinterpret_cast<const char*>(bytes.data()), bytes.size()});
+  }
   struct stat status;
   if (!replace || stat(path.c_str(), &status) != 0) return write_new(path, bytes);
   if (!S_ISREG(status.st_mode)) return write_into(path, bytes);

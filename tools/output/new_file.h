@@ -4,8 +4,12 @@
 #include <cstddef>
 #include <span>
 #include <string>
+#include <string_view>
 
 namespace tool {
+
+// What stands for it in place of a path.
+inline constexpr std::string_view kStandardOutput = "-";
 
 // Writes a whole file or none: what was there before survives a failure. An existing file is
 // replaced only when `replace` says so. Throws BadInput.

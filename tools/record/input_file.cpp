@@ -14,9 +14,11 @@ namespace {
 
 class OpenFile {
  public:
-  explicit OpenFile(const std::string& path) : file_(open(path.c_str(), O_RDONLY | O_CLOEXEC)) {}
+  explicit OpenFile(const std::string& path)
+      : is_standard_input_(path == "-"),
+        file_(is_standard_input_ ? STDIN_FILENO : open(path.c_str(), O_RDONLY | O_CLOEXEC)) {}
   ~OpenFile() {
-    if (file_ >= 0) close(file_);
+    if (file_ >= 0 && !is_standard_input_) close(file_);
   }
   OpenFile(const OpenFile&) = delete;
   OpenFile& operator=(const OpenFile&) = delete;
@@ -27,6 +29,7 @@ class OpenFile {
   }
 
  private:
+  bool is_standard_input_;
   int file_;
 };
 

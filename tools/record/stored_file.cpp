@@ -1,15 +1,19 @@
 #include "tools/record/stored_file.h"
 
 #include <cstring>
+#include <utility>
 
 #include "tools/output/standard_error.h"
 #include "tools/record/input_file.h"
+#include "tools/record/record_text.h"
 #include "tools/request/bad_input.h"
 
 namespace tool {
 namespace {
 
 constexpr std::size_t kLongestFile = KORVEL_BLOB_BYTES;
+// A byte takes up to six letters: "0x00, ".
+constexpr std::size_t kLongestText = 8 * KORVEL_BLOB_BYTES;
 constexpr const char kResourceSizes[] = "a blob has 5536 bytes, a bare record 5472, 5504 or 5512";
 constexpr const char kSurfaceSizes[] = "a surface record has 5300 bytes";
 
@@ -44,11 +48,25 @@ std::optional<RecordKind> kind_option(const std::optional<std::string>& kind) {
   refuse("{} holds {}, which fits no record: {}", in_quotes(path), size_text(size), sizes);
 }
 
+bool is_record_size(std::size_t size) {
+  return is_resource_size(size) || is_surface_size(size);
+}
+
+// What a text stands for; a file that is no text of a record stays as it is.
+std::vector<unsigned char> decoded(std::vector<unsigned char> file) {
+  if (is_record_size(file.size())) return file;
+  for (const auto decode : {bytes_of_hex, bytes_of_base64}) {
+    std::optional<std::vector<unsigned char>> bytes = decode(file);
+    if (bytes && is_record_size(bytes->size())) return std::move(*bytes);
+  }
+  return file;
+}
+
 }  // namespace
 
 StoredFile::StoredFile(const std::string& path, const std::optional<std::string>& kind) {
   const std::optional<RecordKind> asked = kind_option(kind);
-  bytes_ = read_file(path, kLongestFile);
+  bytes_ = decoded(read_file(path, kLongestText));
   const std::size_t size = bytes_.size();
   const bool resource = is_resource_size(size) && asked != RecordKind::surface;
   const bool surface = is_surface_size(size) && asked != RecordKind::resource;

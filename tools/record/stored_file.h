@@ -19,7 +19,7 @@ enum class RecordKind {
 
 class StoredFile {
  public:
-  // Reads the file. The kind goes by its size unless `kind` names it. Throws BadInput when the size
+  // Reads the file: bytes, or their text in hex or base64. The kind goes by its size unless `kind` names it. Throws BadInput when the size
   // fits no record of that kind.
   StoredFile(const std::string& path, const std::optional<std::string>& kind);
 

@@ -2,6 +2,7 @@
 
 #include <fmt/core.h>
 
+#include <algorithm>
 #include <array>
 #include <cctype>
 #include <cstddef>
@@ -9,6 +10,7 @@
 
 #include "tools/output/standard_error.h"
 #include "tools/request/bad_input.h"
+#include "tools/request/format_aliases.h"
 #include "tools/request/number_text.h"
 #include "tools/request/spelling.h"
 
@@ -207,6 +209,45 @@ std::optional<uint32_t> format_named(std::string_view name) {
   return std::nullopt;
 }
 
+// Aliases are of formats with a name, and no name of a format is an alias of another one.
+static_assert([] {
+  for (const FormatAlias& alias : kFormatAliases) {
+    bool has_name = false;
+    for (const FormatName& known : kFormatNames) {
+      if (known.name == alias.name) return false;
+      has_name = has_name || known.format == alias.format;
+    }
+    if (!has_name) return false;
+  }
+  return true;
+}());
+
+bool take_ending(std::string& name, std::string_view ending) {
+  if (!name.ends_with(ending)) return false;
+  name.resize(name.size() - ending.size());
+  return true;
+}
+
+// Many names with VK_FORMAT_ differ in their ending alone.
+std::string with_own_ending(std::string name) {
+  if (take_ending(name, "_SFLOAT")) return name + "_FLOAT";
+  if (!name.ends_with("_UNORM_SRGB") && take_ending(name, "_SRGB")) return name + "_UNORM_SRGB";
+  return name;
+}
+
+std::optional<uint32_t> format_of_alias(std::string_view text, std::string name) {
+  for (const std::string_view prefix : kAliasPrefixes) {
+    if (name.starts_with(prefix)) name.erase(0, prefix.size());
+  }
+  const auto* const alias = std::find_if(std::begin(kFormatAliases), std::end(kFormatAliases),
+                                         [&name](const FormatAlias& a) { return a.name == name; });
+  if (alias == std::end(kFormatAliases)) return format_named(with_own_ending(name));
+  if (alias->match == Match::same) return alias->format;
+  refuse(
+      "--format: {} is no format here; {} is laid out alike, with other channels: write --format {}",
+      in_quotes(text), format_label(alias->format), alias->format);
+}
+
 }  // namespace
 
 std::string_view format_name(uint32_t format) {
@@ -227,6 +268,7 @@ uint32_t parse_format(std::string_view text) {
   std::string_view name = upper;
   if (name.starts_with(kPrefix)) name.remove_prefix(kPrefix.size());
   if (const std::optional<uint32_t> format = format_named(name)) return *format;
+  if (const std::optional<uint32_t> format = format_of_alias(text, upper)) return *format;
   refuse("--format: {} is no known format name; the closest is {}", in_quotes(text),
          closest_format_name(name));
 }
