@@ -164,6 +164,7 @@ TEST(Fit, WhatItCannotMakeSenseOf) {
   expect_reason("--plane pitch=18446744073709551616", "has no number");
   expect_reason("--plane pitch=1 --plane pitch=1", "2 planes of a layout for 1");
   expect_reason("--plane pitch=256 --levels 2", "--levels");
+  expect_reason("--plane pitch=256 --extra", "--extra");
   expect_reason("--plane pitch=256 --samples 3", "1, 2, 4 or 8");
   const auto expect_file = [&](const std::string& content, const std::string& part) {
     expect_reason("--layout " + folder.file("layout", content), part);

@@ -68,8 +68,8 @@ std::vector<std::string> findings_of(const StoredFile& file, const Chip& chip) {
 }
 
 struct Result {
-  const char* kind;
   Chip chip;
+  const char* kind;
   Verdict verdict = {};
   std::vector<std::string> warnings = {};
   std::vector<std::string> findings = {};  // of --strict
@@ -104,8 +104,8 @@ nlohmann::ordered_json json_of(const CheckOptions& options, const Result& result
 
 int check(const CheckOptions& options) {
   const StoredFile file(options.file, options.kind);
-  Result result = {.kind = file.kind() == RecordKind::surface ? "surface" : "resource",
-                   .chip = chip_of(options, file)};
+  Result result = {.chip = chip_of(options, file),
+                   .kind = file.kind() == RecordKind::surface ? "surface" : "resource"};
   simulate(result.chip);
   result.verdict = judge(file, device_uuid(result.chip.row));
   if (file.is_blob()) add_header_warnings(result.warnings, file.header());

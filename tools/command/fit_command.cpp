@@ -32,6 +32,7 @@ std::vector<ForeignPlane> planes_of(const FitOptions& options) {
 
 void check(const Chip& chip, const SurfaceRequest& request, std::size_t given_planes) {
   if (request.levels) refuse("--levels: fit looks at surfaces of one level");
+  if ((request.flags & LAYOUT_FLAG_EXTRA) != 0) refuse("--extra: fit looks at planes alone");
   std::string refusal = refused_request(request);
   if (refusal.empty()) refusal = forecast_fault(chip.row, request);
   if (!refusal.empty()) throw BadInput(refusal);

@@ -43,7 +43,7 @@ int guess(const GuessOptions& options) {
   {
     std::optional<ProgressLine> progress;
     guesses = guess_layouts(bytes, lists, [&progress](std::size_t done, std::size_t total) {
-      if (!progress) progress.emplace("kind of chip", total);
+      if (!progress) progress.emplace("groups of chips", total);
       progress->update(done);
     });
   }

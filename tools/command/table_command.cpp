@@ -39,7 +39,7 @@ RequestLists lists_of(const TableOptions& options) {
 }
 
 std::vector<CostRow> rows_of(const std::vector<ChipRequest>& requests) {
-  ProgressLine progress("request", requests.size());
+  ProgressLine progress("requests", requests.size());
   std::vector<CostRow> rows;
   rows.reserve(requests.size());
   for (const ChipRequest& request : requests) {

@@ -6,8 +6,6 @@
 #include <cstdio>
 #include <utility>
 
-#include "tools/request/counted.h"
-
 namespace tool {
 namespace {
 
@@ -25,7 +23,6 @@ ProgressLine::ProgressLine(std::string noun, std::size_t total)
 ProgressLine::~ProgressLine() {
   if (printed_width_ > 0) {
     fmt::print(stderr, "\r{}\r", std::string(printed_width_, ' '));
-    std::fflush(stderr);
   }
 }
 
@@ -34,10 +31,9 @@ void ProgressLine::update(std::size_t done) {
   const Clock::time_point now = Clock::now();
   if (now < next_print_) return;
   next_print_ = now + kFurtherPrints;
-  const std::string line = fmt::format("{} of {}", done, counted(total_, noun_));
+  const std::string line = fmt::format("{}: {} of {}", noun_, done, total_);
   printed_width_ = line.size();
   fmt::print(stderr, "\r{}", line);
-  std::fflush(stderr);
 }
 
 }  // namespace tool

@@ -9,7 +9,7 @@ namespace tool {
 
 class ProgressLine {
  public:
-  // `noun` is of what is counted: "request". Prints only to a terminal.
+  // `noun` is of what is counted: "requests". Prints only to a terminal.
   ProgressLine(std::string noun, std::size_t total);
   ~ProgressLine();
   ProgressLine(const ProgressLine&) = delete;
