@@ -31,6 +31,7 @@ std::vector<std::vector<Chip>> chips_alike(const std::vector<Chip>& chips) {
   std::map<ChipKey, std::vector<Chip>> groups;
   for (const Chip& chip : chips) groups[key_of(chip)].push_back(chip);
   std::vector<std::vector<Chip>> alike;
+  alike.reserve(groups.size());
   for (auto& [key, group] : groups) alike.push_back(std::move(group));
   return alike;
 }
@@ -56,6 +57,7 @@ std::vector<std::vector<uint32_t>> formats_alike(const std::vector<uint32_t>& fo
   std::map<FormatKey, std::vector<uint32_t>> groups;
   for (const uint32_t format : formats) groups[key_of(format, chip)].push_back(format);
   std::vector<std::vector<uint32_t>> alike;
+  alike.reserve(groups.size());
   for (auto& [key, group] : groups) alike.push_back(std::move(group));
   return alike;
 }

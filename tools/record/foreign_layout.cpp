@@ -80,9 +80,8 @@ std::vector<ForeignPlane> read_foreign_planes(const std::string& path) {
   const Json json = Json::parse(bytes.begin(), bytes.end(), nullptr, false);
   const Json* const planes = json.is_discarded() ? nullptr : planes_in(json);
   if (planes == nullptr) {
-    refuse(
-        "{} is no JSON with planes; write for example {{\"plane\": [{{\"image_pitch\": 7680}}]}}",
-        in_quotes(path));
+    refuse(R"({} is no JSON with planes; write for example {{"plane": [{{"image_pitch": 7680}}]}})",
+           in_quotes(path));
   }
   std::vector<ForeignPlane> found;
   for (const Json& plane : *planes) {

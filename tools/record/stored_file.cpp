@@ -13,7 +13,7 @@ namespace {
 
 constexpr std::size_t kLongestFile = KORVEL_BLOB_BYTES;
 // A byte takes up to six letters: "0x00, ".
-constexpr std::size_t kLongestText = 8 * KORVEL_BLOB_BYTES;
+constexpr std::size_t kLongestText = std::size_t{8} * KORVEL_BLOB_BYTES;
 constexpr const char kResourceSizes[] = "a blob has 5536 bytes, a bare record 5472, 5504 or 5512";
 constexpr const char kSurfaceSizes[] = "a surface record has 5300 bytes";
 
