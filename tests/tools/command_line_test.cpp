@@ -126,7 +126,9 @@ TEST(CommandLine, Formats) {
   expect_reason("show --size 1x1 --format r8g8b8a8_unrom", "the closest is R8G8B8A8_UNORM");
   expect_reason("show --size 1x1 --format DXGI_FORMAT_NV13", "the closest is NV12");
   expect_reason("show --size 1x1 --format astc_12x12_sint", "the closest is ASTC_12X12_");
-  expect_reason("show --size 1x1 --format " + std::string(100000, 'z'), "no known format name");
+  std::string endless = "show --size 1x1 --format ";
+  endless.append(100000, 'z');
+  expect_reason(endless, "no known format name");
   expect_reason("show --size 1x1 --format 4294967296", "not a number from 0 to 4294967295");
   expect_reason("show --size 1x1 --format -1", "no known format name");
   expect_reason("show --size 1x1 --format 0", "--format 0: formats are 1 to 721");
