@@ -96,7 +96,7 @@ class FitWriter {
                                      : std::string();
   }
 
-  // A width that the rules leave as it is. They end where a row may be no longer.
+  // A width that the rules leave as it is, or the longest one that they allow.
   [[nodiscard]] uint32_t settled_width_el(uint32_t p, uint32_t width_el, uint32_t rows) const {
     for (int tries = 0; tries < 16; ++tries) {
       const uint32_t aligned_el = plane_demand(surface_, p, width_el, rows, false).width_el;
