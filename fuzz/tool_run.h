@@ -10,8 +10,8 @@
 #include "fuzz/captured_output.h"
 #include "fuzz/stored_input_file.h"
 #include "simulator/hxl_sim.h"
-#include "tools/bad_input.h"
-#include "tools/exit_codes.h"
+#include "tools/command/exit_codes.h"
+#include "tools/request/bad_input.h"
 
 namespace fuzz {
 

@@ -1,10 +1,10 @@
 // korvel-layout: surface layouts, hardware data, formats and stored records on the command line.
 #include <exception>
 
-#include "tools/command_line.h"
-#include "tools/division_fault.h"
-#include "tools/exit_codes.h"
-#include "tools/standard_error.h"
+#include "tools/command/command_line.h"
+#include "tools/command/exit_codes.h"
+#include "tools/library/division_fault.h"
+#include "tools/output/standard_error.h"
 
 int main(int argc, char** argv) {
   tool::install_division_fault_handler();

@@ -7,7 +7,7 @@
 #include "fuzz/met_cases.h"
 #include "fuzz/record_kind.h"
 #include "fuzz/tool_run.h"
-#include "tools/check_command.h"
+#include "tools/command/check_command.h"
 
 namespace {
 
@@ -136,6 +136,7 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, std::size_t size) {
   tool::CheckOptions options;
   options.kind = fuzz::draw_kind_option(input);
   options.chip = draw_chip(input);
+  options.unknown_chip = true;
   const fuzz::StoredInputFile file = fuzz::store_drawn_file(input);
   options.file = file.path;
   const ToolRun run = fuzz::run_tool(file, [&] { return tool::check(options); });

@@ -6,7 +6,7 @@
 
 #include "fuzz/fuzz_target.h"
 #include "fuzz/tool_run.h"
-#include "tools/dump_command.h"
+#include "tools/command/dump_command.h"
 
 namespace {
 

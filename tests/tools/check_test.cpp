@@ -1,6 +1,7 @@
 // Stored records in front of the library's validators.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <initializer_list>
 
 #include "tests/tools/stored_records.h"
@@ -71,7 +72,7 @@ TEST(Check, RecordOfAnotherChip) {
   const std::string path = folder.file("blob", bytes_of(stored_blob(folder)));
   expect_refused(run_tool("check " + path + " --chip " + hex(harness::full_chip(7).chip_id)),
                  "Metadata device version mismatch");
-  const Outcome unknown = run_tool("check " + path + " --chip 0x12345678");
+  const Outcome unknown = run_tool("check " + path + " --chip 0x12345678 --unknown-chip");
   expect_refused(unknown, "Metadata device version mismatch");
   EXPECT_EQ(count_lines(unknown.err), 1U) << unknown.err;
 }
@@ -138,6 +139,81 @@ TEST(Check, RecordOffsetsInsideTheFile) {
   std::memcpy(content.data() + too_far, &blob.layout, content.size() - too_far);
   const Outcome run = check(folder.file("blob", content));
   EXPECT_NE(reason_of_refusal(run).find("says that it has 5512 bytes"), std::string::npos);
+}
+
+std::string hex_of(std::string_view bytes, const char* front, const char* between) {
+  constexpr char kDigits[] = "0123456789abcdef";
+  std::string text;
+  for (const char byte : bytes) {
+    const auto value = static_cast<unsigned char>(byte);
+    text += std::string(front) + kDigits[value >> 4] + kDigits[value & 15] + between;
+  }
+  return text;
+}
+
+// Three bytes are four digits of six bits.
+std::string base64_of(std::string_view bytes) {
+  constexpr char kDigits[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+  std::string text;
+  for (std::size_t i = 0; i < bytes.size(); i += 3) {
+    const std::size_t count = std::min<std::size_t>(3, bytes.size() - i);
+    uint32_t bits = 0;
+    for (std::size_t j = 0; j < 3; ++j) {
+      bits = bits << 8 | (j < count ? static_cast<unsigned char>(bytes[i + j]) : 0U);
+    }
+    for (std::size_t j = 0; j < 4; ++j) {
+      text += j <= count ? kDigits[bits >> (18 - 6 * j) & 63] : '=';
+    }
+    if (i % 57 == 54) text += '\n';
+  }
+  return text;
+}
+
+TEST(Check, RecordsAsText) {
+  const ScratchFolder folder;
+  const LayoutMetadata blob = stored_blob(folder);
+  const SurfaceMetadata surface = stored_surface();
+  const std::string dumped = run_tool("dump " + folder.file("bytes", bytes_of(blob))).out;
+  for (const std::string& text :
+       {hex_of(bytes_of(blob), "", ""), hex_of(bytes_of(blob), "", " ") + "\n",
+        hex_of(bytes_of(blob), "0x", ", "), base64_of(bytes_of(blob)) + "\r\n"}) {
+    const std::string path = folder.file("text", text);
+    EXPECT_EQ(check(path).exit_code, 0) << text.substr(0, 40);
+    EXPECT_EQ(run_tool("dump " + path).out, dumped);
+    EXPECT_EQ(run_tool("diff " + path + " " + folder.path("bytes")).exit_code, 0);
+  }
+  // 5300 bytes end with two of a group of three, 5512 with one; without the signs that fill the end.
+  for (const std::string_view bytes : {bytes_of(surface), bytes_of(blob.layout)}) {
+    const std::string text = base64_of(bytes);
+    ASSERT_NE(text.find('='), std::string::npos);
+    EXPECT_EQ(check(folder.file("text", text)).exit_code, 0);
+    EXPECT_EQ(check(folder.file("text", text.substr(0, text.find('=')))).exit_code, 0);
+  }
+}
+
+TEST(Check, TextsOfNoRecord) {
+  const ScratchFolder folder;
+  const std::string hex_text = hex_of(bytes_of(stored_blob(folder)), "", "");
+  for (const std::string& text :
+       {hex_text.substr(1), hex_text.substr(2), hex_text + "0", hex_text + "00", hex_text + "g0",
+        std::string(7384, '='), std::string(7384, '*'), std::string("0x"), std::string(" "),
+        std::string(50000, '0')}) {
+    const Outcome run = check(folder.file("text", text));
+    EXPECT_NE(reason_of_refusal(run).find("fits no record"), std::string::npos);
+  }
+}
+
+TEST(Check, StandardInput) {
+  const ScratchFolder folder;
+  const LayoutMetadata blob = stored_blob(folder);
+  const std::string path = folder.file("blob", bytes_of(blob));
+  EXPECT_EQ(run_tool_on_input({"check", "-"}, path).exit_code, 0);
+  EXPECT_EQ(run_tool_on_input({"dump", "-"}, path).out, run_tool("dump " + path).out);
+  EXPECT_EQ(run_tool_on_input({"diff", "-", path}, path).exit_code, 0);
+  reason_of_refusal(run_tool_on_input({"check", "-"}, "/dev/null"));
+  const Outcome written = run_tool("show --format 28 --size 256x256 --ubwc --blob - --chip " +
+                                   hex(stored_chip().chip_id));
+  EXPECT_EQ(written.out, bytes_of(blob));
 }
 
 TEST(Check, TruncatedRecord) {

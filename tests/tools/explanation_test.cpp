@@ -1,4 +1,5 @@
-// Every number of an explanation against the answer of the library's exports.
+// Every number of an explanation against the answer of the library's exports, and the record made
+// of them against the library's, byte by byte.
 //
 // The explanation is made in this process, of the chip's row and the request alone; the answer is
 // the built library's, loaded for a GPU of that chip.
@@ -13,9 +14,10 @@
 #include "tests/harness/edges.h"
 #include "tests/harness/gpu.h"
 #include "tests/tools/exported_layout.h"
-#include "tools/explain_surface.h"
-#include "tools/explanation_check.h"
-#include "tools/fault_forecast.h"
+#include "tools/explanation/explain_surface.h"
+#include "tools/explanation/explained_record.h"
+#include "tools/explanation/explanation_check.h"
+#include "tools/explanation/fault_forecast.h"
 
 namespace {
 
@@ -87,6 +89,8 @@ void compare(harness::Gpu& gpu, const korvel::ChipRow& chip, const SurfaceReques
   const tool::Comparison comparison = tool::compare(explanation, blob);
   ASSERT_EQ(comparison.disagreement, "") << text_of(request) << " on family " << chip.family_id;
   expect_unbroken(explanation, request);
+  const MemoryLayout record = tool::explained_record(chip, request, explanation);
+  ASSERT_EQ(std::memcmp(&record, &blob.layout, sizeof record), 0) << text_of(request);
   ++compared.layouts;
   compared.fields += comparison.compared;
   for (const Step& step : explanation.steps) {

@@ -6,7 +6,7 @@
 #include <korvel_utils.h>
 #include "identify/chip_row.h"
 #include "tests/harness/gpu.h"
-#include "tools/surface_request.h"
+#include "tools/request/surface_request.h"
 
 namespace tool_test {
 

@@ -50,9 +50,11 @@ TEST(Fault, FlagBuffersWithoutASampleTile) {
 
 // The library's own refusal comes first.
 TEST(Fault, BadArgumentsAreReportedAsSuch) {
-  expect_reason(show_on_family(5, "--format 28 --planes 3 --samples 3"), "sample count 3");
-  expect_reason(show_on_family(6, "--format 619 --ubwc --samples 16"), "sample count 16");
-  expect_reason(show_on_family(5, "--format 28 --planes 7"), "Invalid plane count 7");
+  expect_reason(show_on_family(5, "--format 28 --planes 3 --samples 3"),
+                "--samples 3: 1, 2, 4 or 8");
+  expect_reason(show_on_family(6, "--format 619 --ubwc --samples 16"),
+                "--samples 16: 1, 2, 4 or 8");
+  expect_reason(show_on_family(5, "--format 28 --planes 7"), "--planes 7: 0 to 3");
 }
 
 TEST(Fault, NoRequestDivides) {

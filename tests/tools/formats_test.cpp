@@ -87,7 +87,7 @@ TEST(Formats, CapabilitiesOfAChip) {
 }
 
 TEST(Formats, ChipWithoutARow) {
-  const Outcome run = run_tool("formats --chip 0x12345678");
+  const Outcome run = run_tool("formats --chip 0x12345678 --unknown-chip");
   EXPECT_EQ(run.exit_code, 0);
   EXPECT_NE(run.err.find("warning: Unknown Family ID 0\n"), std::string::npos) << run.err;
   EXPECT_EQ(count_lines(run.err), 2U) << run.err;

@@ -270,7 +270,8 @@ std::set<std::string> literals_in(const std::filesystem::path& path,
 TEST(Refusals, EveryMessageOfTheValidatorsHasWords) {
   const std::filesystem::path sources = KORVEL_SOURCES;
   const std::string beginnings = "Metadata |Size of metadata";
-  const std::set<std::string> known = literals_in(sources / "tools/refusal_words.cpp", beginnings);
+  const std::set<std::string> known =
+      literals_in(sources / "tools/record/refusal_words.cpp", beginnings);
   std::set<std::string> messages;
   for (const auto& file : std::filesystem::directory_iterator(sources / "src/layout")) {
     messages.merge(literals_in(file.path(), beginnings));

@@ -51,16 +51,21 @@ int exit_code_of(int process) {
   return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 
-Outcome run_tool_with(const std::vector<std::string>& arguments) {
+Outcome run_tool_on_input(const std::vector<std::string>& arguments, const std::string& in_path) {
   const File out = unnamed_file();
   const File err = unnamed_file();
   posix_spawn_file_actions_t files;
   posix_spawn_file_actions_init(&files);
+  posix_spawn_file_actions_addopen(&files, STDIN_FILENO, in_path.c_str(), O_RDONLY, 0);
   posix_spawn_file_actions_adddup2(&files, fileno(out.get()), STDOUT_FILENO);
   posix_spawn_file_actions_adddup2(&files, fileno(err.get()), STDERR_FILENO);
   const int exit_code = exit_code_of(spawn(arguments, &files));
   posix_spawn_file_actions_destroy(&files);
   return {exit_code, content_of(out), content_of(err)};
+}
+
+Outcome run_tool_with(const std::vector<std::string>& arguments) {
+  return run_tool_on_input(arguments, "/dev/null");
 }
 
 int start_tool(const std::vector<std::string>& arguments, const std::string& out_path,

@@ -17,6 +17,9 @@ struct Outcome {
 // Runs korvel-layout with these arguments and waits for its end.
 Outcome run_tool_with(const std::vector<std::string>& arguments);
 
+// The same with a file as its standard input.
+Outcome run_tool_on_input(const std::vector<std::string>& arguments, const std::string& in_path);
+
 // Starts it without waiting; what it prints goes to the two files. Returns the process.
 int start_tool(const std::vector<std::string>& arguments, const std::string& out_path,
                const std::string& err_path);

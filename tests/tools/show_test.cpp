@@ -211,7 +211,8 @@ TEST(Show, TextHasUnitsAndHexadecimalOffsets) {
 
 // The library goes on with defaults and says so.
 TEST(Show, ChipWithoutARow) {
-  const Outcome run = run_tool(show_on(harness::kUnknownChip, "--format 28 --size 10x10"));
+  const Outcome run =
+      run_tool(show_on(harness::kUnknownChip, "--unknown-chip --format 28 --size 10x10"));
   EXPECT_EQ(run.exit_code, 0);
   EXPECT_NE(run.out.find("unknown"), std::string::npos);
   EXPECT_NE(run.err.find("warning: Unknown HXL chip ID 305419896\n"), std::string::npos) << run.err;
@@ -221,8 +222,11 @@ TEST(Show, ChipWithoutARow) {
             std::string::npos)
       << run.err;
   EXPECT_EQ(count_lines(run.err), 4U) << run.err;
-  EXPECT_EQ(run_tool("show --chip 0xFFFFFFFF --format 28 --size 10x10 --ubwc").exit_code, 0);
-  EXPECT_EQ(run_tool("show --chip 0 --format nv12 --size 10x10 --levels 4").exit_code, 0);
+  EXPECT_EQ(
+      run_tool("show --unknown-chip --chip 0xFFFFFFFF --format 28 --size 10x10 --ubwc").exit_code,
+      0);
+  EXPECT_EQ(
+      run_tool("show --unknown-chip --chip 0 --format nv12 --size 10x10 --levels 4").exit_code, 0);
 }
 
 TEST(Show, LargestSizes) {

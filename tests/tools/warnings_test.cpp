@@ -87,7 +87,7 @@ TEST(Warnings, PlanesThatTheFormatDoesNotHave) {
 }
 
 TEST(Warnings, ChipsThatAreNotKnown) {
-  expect_warning(" --chip 0x12345678 --format 28 --size 64x64",
+  expect_warning(" --chip 0x12345678 --unknown-chip --format 28 --size 64x64",
                  "chip 0x12345678 is not known: sizes are not aligned, and alignments that every "
                  "known chip has count as 0 or 1 byte");
   const harness::ChipData& unsupported =

@@ -2,8 +2,8 @@
 
 #include <fmt/core.h>
 
-#include "tools/counted.h"
-#include "tools/step_text.h"
+#include "tools/output/step_text.h"
+#include "tools/request/counted.h"
 
 namespace tool {
 namespace {

@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "tools/explanation.h"
+#include "tools/explanation/explanation.h"
 
 namespace tool {
 

@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <bit>
 
-#include "tools/counted.h"
+#include "tools/request/counted.h"
 
 namespace tool {
 namespace {

@@ -7,7 +7,7 @@
 #include <korvel_utils.h>
 #include "formats/extent.h"
 #include "identify/chip_row.h"
-#include "tools/surface_request.h"
+#include "tools/request/surface_request.h"
 
 namespace tool {
 

@@ -10,10 +10,10 @@
 
 #include <korvel_utils.h>
 #include "identify/chip_row.h"
-#include "tools/explanation.h"
+#include "tools/explanation/explanation.h"
 #include "tools/picture/memory_map.h"
 #include "tools/picture/role.h"
-#include "tools/surface_request.h"
+#include "tools/request/surface_request.h"
 
 namespace tool {
 

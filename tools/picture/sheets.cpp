@@ -5,9 +5,9 @@
 #include <algorithm>
 
 #include "layout/surface.h"
-#include "tools/counted.h"
 #include "tools/picture/field_words.h"
 #include "tools/picture/place_names.h"
+#include "tools/request/counted.h"
 
 namespace tool {
 namespace {

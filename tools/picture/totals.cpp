@@ -2,8 +2,8 @@
 
 #include <fmt/core.h>
 
-#include "tools/counted.h"
 #include "tools/picture/field_words.h"
+#include "tools/request/counted.h"
 
 namespace tool {
 namespace {

@@ -29,7 +29,7 @@ REQUESTS = [
     "--format nv12 --size 16384x16384x2048 --levels 15 --ubwc --planes 3",
     "--format 28 --size 16384x16384 --samples 4",
     "--format 28 --size 2147483647x3 --linear",
-    "--format 28 --size 64x64 --chip 0x1",
+    "--format 28 --size 64x64 --chip 0x1 --unknown-chip",
 ]
 
 

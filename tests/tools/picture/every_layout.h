@@ -6,7 +6,7 @@
 #include <optional>
 
 #include "tests/tools/picture/pictured.h"
-#include "tools/fault_forecast.h"
+#include "tools/explanation/fault_forecast.h"
 
 namespace picture_test {
 

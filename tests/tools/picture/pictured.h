@@ -9,9 +9,9 @@
 #include "tests/harness/chips.h"
 #include "tests/harness/gpu.h"
 #include "tests/tools/exported_layout.h"
-#include "tools/explain_surface.h"
+#include "tools/explanation/explain_surface.h"
 #include "tools/picture/scene.h"
-#include "tools/surface_request.h"
+#include "tools/request/surface_request.h"
 
 namespace picture_test {
 

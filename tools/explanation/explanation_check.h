@@ -1,0 +1,30 @@
+// An explanation held against the library's own answer.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <korvel_utils.h>
+#include "tools/explanation/explanation.h"
+
+namespace tool {
+
+struct FieldValue {
+  std::string field;  // as Step::field
+  uint64_t value;
+};
+
+// The fields of a laid-out blob that an explanation leads to, each with the library's number.
+std::vector<FieldValue> explained_fields(const LayoutMetadata& blob);
+
+struct Comparison {
+  std::size_t compared = 0;  // fields
+  std::string disagreement;  // empty when every field has a step that comes to its number
+};
+
+Comparison compare(const Explanation& explanation, const LayoutMetadata& blob);
+
+}  // namespace tool
