@@ -34,6 +34,7 @@ class Rounds:
         self.refused = setting.function_named(proof.module, chains.REFUSED)
         self.machine.instead[self.refused] = self._refused
         self.packed = self._packed_elements()
+        self.read = self._numbers_read()
 
     def _refused(self, machine, state, arguments):
         """Reports once, and returns a size: shown of the function itself."""
@@ -66,13 +67,16 @@ class Rounds:
             state.loads = []
         return found
 
-    def _all_that_is_read(self, values):
-        read = {o.number for block in self.loop.body for i in self.machine.module.functions[
-            chains.EXPORT].blocks[block].instructions
+    def _numbers_read(self):
+        """Of the values that instructions of the loop read."""
+        blocks = self.machine.module.functions[chains.EXPORT].blocks
+        return {o.number for block in self.loop.body for i in blocks[block].instructions
                 for o in [*i.operands, *(value for value, _ in i.incoming)] if isinstance(o, Local)}
+
+    def _all_that_is_read(self, values):
         return _kinds(values) | frozenset(
             (n, v if terms.known(v) else v.get_id()) for n, v in values.items()
-            if n in read and (terms.known(v) or isinstance(v, z3.ExprRef)))
+            if n in self.read and (terms.known(v) or isinstance(v, z3.ExprRef)))
 
     def phis(self, state):
         """The numbers of planes, of the level and of its texels."""

@@ -12,8 +12,7 @@ Of the loop in korvel_init_multi_level_surface that asks the rules, on any chip 
    broken.
 
 How rounds follow each other, and what a level's texels are, is shown by chains_are_sized_level_by_level
-and on the way here. Rounds of the levels 0, 1 and 14 are run: those between differ in the level's number
-alone, which says where the size is stored, and whether there is a next level.
+and on the way here. Rounds of the levels 0, 1 and 14 are run. Not shown: those of the levels between.
 
 --quick: level 0 of one class of formats, as plane 1, on family 5, linear.
 
@@ -85,8 +84,8 @@ def one_round(proof, case, rounds, start, saved, level):
     def path(state, how):
         known = state.conditions
 
-        def show(what, claim, enough=None):
-            claims.show(proof, case, f"level {level}: {what}", known, claim, enough=enough)
+        def show(what, claim):
+            claims.show(proof, case, f"level {level}: {what}", known, claim)
 
         if how == "faults":
             show("divides by 0 where the rules do", answer.fault)

@@ -7,6 +7,7 @@
 #include "tools/comparison/plane_demand.h"
 #include "tools/explanation/explain_surface.h"
 #include "tools/explanation/fault_forecast.h"
+#include "tools/record/covered_size.h"
 #include "tools/request/counted.h"
 #include "tools/request/refused_request.h"
 
@@ -14,21 +15,6 @@ namespace tool {
 namespace {
 
 using Sentences = std::vector<std::string>;
-
-// Elements of a row and rows that hold something. A layout knows its aligned sizes alone: rounding
-// them once more must not change them.
-uint32_t held_width_el(const PlaneLayout& plane) {
-  return plane.image_width;
-}
-uint32_t held_width_el(const SurfacePlane& plane) {
-  return plane.actual_width;
-}
-uint32_t held_rows(const PlaneLayout& plane) {
-  return plane.image_height;
-}
-uint32_t held_rows(const SurfacePlane& plane) {
-  return plane.actual_height;
-}
 
 // As far as a record tells it.
 template <typename Record>
@@ -54,18 +40,19 @@ class LevelFindings {
   template <typename Plane>
   void add(uint32_t p, const Plane& plane) {
     constexpr uint32_t kMost = std::numeric_limits<int32_t>::max();
-    if (held_width_el(plane) > kMost || held_rows(plane) > kMost) return;
+    // A layout's sizes are aligned: rounding them once more must not change them.
+    if (covered_width_el(plane) > kMost || covered_rows(plane) > kMost) return;
     const korvel::Surface surface = described_request(chip_.row, request_);
     place_ = fmt::format("level {}, plane {}", level_, p);
     const PlaneDemand demand =
-        plane_demand(surface, p, held_width_el(plane), held_rows(plane), chain_);
+        plane_demand(surface, p, covered_width_el(plane), covered_rows(plane), chain_);
     if (plane.image_pitch < demand.pitch_bytes) {
       below("a pitch", plane.image_pitch, demand.pitch_bytes, "byte",
-            because(demand, "width", counted(held_width_el(plane), "element")));
+            because(demand, "width", counted(covered_width_el(plane), "element")));
     }
     if (plane.image_height < demand.rows) {
       below("a height", plane.image_height, demand.rows, "row",
-            because(demand, "height", counted(held_rows(plane), "row")));
+            because(demand, "height", counted(covered_rows(plane), "row")));
     }
     if (plane.image_size < demand.image_bytes) {
       below("an image", plane.image_size, demand.image_bytes, "byte",

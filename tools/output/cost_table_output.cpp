@@ -9,17 +9,12 @@
 #include "tools/output/text_table.h"
 #include "tools/request/counted.h"
 #include "tools/request/format_names.h"
+#include "tools/request/surface_size.h"
 
 namespace tool {
 namespace {
 
 using Json = nlohmann::ordered_json;
-
-std::string size_cell(const SurfaceSize& size) {
-  std::string text = fmt::format("{}x{}", size.width, size.height);
-  if (size.depth != 1) text += fmt::format("x{}", size.depth);
-  return text;
-}
 
 std::string format_cell(uint32_t format) {
   const std::string_view name = format_name(format);
@@ -48,7 +43,7 @@ std::vector<std::string> cells_of(const CostRow& row) {
   const SurfaceCost& cost = row.cost;
   return {fmt::format("0x{:08X}", row.chip.chip_id),
           format_cell(row.request.format),
-          size_cell(row.request.size),
+          surface_size_text(row.request.size),
           fmt::format("{}", row.request.samples),
           row.request.levels ? fmt::format("{}", *row.request.levels) : "-",
           is_tiled(row) ? "tiled" : "linear",

@@ -9,6 +9,7 @@
 #include "tools/output/text_table.h"
 #include "tools/request/counted.h"
 #include "tools/request/format_names.h"
+#include "tools/request/surface_size.h"
 
 namespace tool {
 namespace {
@@ -60,12 +61,6 @@ std::string chips_text(const std::vector<uint32_t>& ids, const RequestLists& tri
   return first_few(ids, [](uint32_t id) { return fmt::format("0x{:08X}", id); });
 }
 
-std::string size_text(const SurfaceSize& size) {
-  std::string text = fmt::format("{}x{}", size.width, size.height);
-  if (size.depth != 1) text += fmt::format("x{}", size.depth);
-  return text;
-}
-
 std::string rows_text(const Guesses& guesses, const RequestLists& tried) {
   TextTable table({{"size", "texels", TableColumn::left},
                    {"samples", ""},
@@ -81,7 +76,7 @@ std::string rows_text(const Guesses& guesses, const RequestLists& tried) {
     const Guess& guess = guesses.found[i];
     const SurfaceRequest& request = guess.request;
     table.add_row(
-        {size_text(request.size), fmt::format("{}", request.samples),
+        {surface_size_text(request.size), fmt::format("{}", request.samples),
          request.levels ? fmt::format("{}", *request.levels) : "-",
          request.tiling_mode == KORVEL_TILING_TILED ? "tiled" : "linear",
          (request.flags & LAYOUT_FLAG_UBWC) != 0 ? "yes" : "-", fmt::format("{}", request.planes),

@@ -4,6 +4,8 @@
 
 #include <cstdint>
 
+#include "tools/record/covered_size.h"
+
 namespace tool {
 namespace {
 
@@ -17,20 +19,6 @@ uint64_t bound_bytes(const MemoryLayout& record) {
 
 uint64_t bound_bytes(const SurfaceMetadata& record) {
   return record.total_size - record.size;
-}
-
-// Elements of a row and rows of an image that the rules hold against its bytes.
-uint32_t covered_width_el(const PlaneLayout& plane) {
-  return plane.image_width;
-}
-uint32_t covered_width_el(const SurfacePlane& plane) {
-  return plane.actual_width;
-}
-uint32_t covered_rows(const PlaneLayout& plane) {
-  return plane.image_height;
-}
-uint32_t covered_rows(const SurfacePlane& plane) {
-  return plane.actual_height;
 }
 
 template <typename Record>

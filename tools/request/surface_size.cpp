@@ -1,5 +1,7 @@
 #include "tools/request/surface_size.h"
 
+#include <fmt/core.h>
+
 #include <algorithm>
 #include <array>
 #include <bit>
@@ -53,6 +55,12 @@ SurfaceSize parse_surface_size(std::string_view text) {
         in_quotes(text));
   }
   return *size;
+}
+
+std::string surface_size_text(const SurfaceSize& size) {
+  std::string text = fmt::format("{}x{}", size.width, size.height);
+  if (size.depth != 1) text += fmt::format("x{}", size.depth);
+  return text;
 }
 
 }  // namespace tool

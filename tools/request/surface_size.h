@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 #include <string_view>
 
 namespace tool {
@@ -17,5 +18,8 @@ uint32_t levels_of(const SurfaceSize& size);
 
 // Throws BadInput. Sizes below 1 pass: the library has its own words for them.
 SurfaceSize parse_surface_size(std::string_view text);
+
+// As it is parsed; a depth of 1 is left out.
+std::string surface_size_text(const SurfaceSize& size);
 
 }  // namespace tool
