@@ -11,8 +11,8 @@ CLI::Option* add_text(CLI::App& command, const char* name, std::optional<std::st
 }
 
 void add_chip(CLI::App& command, std::optional<std::string>& chip, bool& unknown_chip,
-              const char* description) {
-  add_text(command, "--chip", chip, description)->type_name("CHIP");
+              const char* description, const char* type_name) {
+  add_text(command, "--chip", chip, description)->type_name(type_name);
   command.add_flag("--unknown-chip", unknown_chip,
                    "With --chip: an id that is not known, as it is");
 }
@@ -26,8 +26,9 @@ void add_request(CLI::App& command, RequestOptions& options, Needs needs) {
   command.add_option("--size", options.size, "Texels, and slices or depth")
       ->required(needs == Needs::format_and_size)
       ->type_name("WxH[xD]");
-  add_text(command, "--samples", options.samples, "1, 2, 4 or 8; default 1")->type_name("N");
-  add_text(command, "--planes", options.planes, "0 to 3; default the format's own")->type_name("N");
+  add_text(command, "--samples", options.samples, "Samples of a texel; default 1")
+      ->type_name("1|2|4|8");
+  add_text(command, "--planes", options.planes, "Default the format's own")->type_name("0|1|2|3");
   add_text(command, "--levels", options.levels, "Lay out a mip chain of 1 to 15 levels")
       ->type_name("N");
   command.add_flag("--linear", options.linear, "Linear instead of tiled");

@@ -13,9 +13,10 @@ namespace tool {
 CLI::Option* add_text(CLI::App& command, const char* name, std::optional<std::string>& text,
                       const char* description);
 
-// A chip by id, model or revision, and the option that lets it be unknown.
+// A chip by id, model or revision, and the option that lets it be unknown. The type name of lists is
+// CHIPS.
 void add_chip(CLI::App& command, std::optional<std::string>& chip, bool& unknown_chip,
-              const char* description);
+              const char* description, const char* type_name = "CHIP");
 
 enum class Needs : uint8_t { format_and_size, nothing };
 
