@@ -8,6 +8,7 @@
 
 #include "tools/command/check_command.h"
 #include "tools/command/chips_command.h"
+#include "tools/command/commands_of.h"
 #include "tools/command/completions.h"
 #include "tools/command/diff_command.h"
 #include "tools/command/dump_command.h"
@@ -286,7 +287,11 @@ std::string help_text(const CLI::App& program, const CLI::Success& success) {
 std::string asked_help(const CLI::App& program, int argc, char** argv) {
   if (argc <= 2) return program.help();
   const std::string_view asked = argv[2];
-  for (const CLI::App* command : program.get_subcommands([](const CLI::App*) { return true; })) {
+  if (argc > 3) {
+    refuse("{} is one word too many; help says more of one command, for example {} help show",
+           in_quotes(argv[3]), program.get_name());
+  }
+  for (const CLI::App* command : commands_of(program)) {
     if (command->get_name() == asked) return command->help(program.get_name());
   }
   throw BadInput(unknown_command(program, asked));
@@ -345,6 +350,11 @@ int run_command_line(int argc, char** argv) {
     return kExitDone;
   } catch (const CLI::ParseError& error) {
     throw BadInput(parse_refusal(program, error, argv[1]));
+  }
+  for (const CLI::App* command : program.get_subcommands()) {
+    if (const std::string swallowed = swallowed_option(*command); !swallowed.empty()) {
+      throw BadInput(swallowed);
+    }
   }
   if (show_command->parsed()) return show(show_options);
   if (explain_command->parsed()) return explain(explain_options);

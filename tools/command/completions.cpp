@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "formats/format_table.h"
+#include "tools/command/commands_of.h"
 #include "tools/comparison/cost_table.h"
 #include "tools/comparison/layout_fit.h"
 #include "tools/request/chip.h"
@@ -204,10 +205,6 @@ std::string lines_behind(const CLI::App& command, Words words) {
   const CLI::Option* const positional = positional_of(command);
   if (positional != nullptr && !typed.starts_with('-')) return value_lines(*positional, typed);
   return lines + lines_of(further_options(command, given), typed);
-}
-
-std::vector<const CLI::App*> commands_of(const CLI::App& program) {
-  return program.get_subcommands([](const CLI::App*) { return true; });
 }
 
 Completions commands(const CLI::App& program) {

@@ -8,6 +8,8 @@
 #include <string_view>
 #include <vector>
 
+#include "tools/command/commands_of.h"
+
 namespace tool {
 namespace {
 
@@ -140,7 +142,7 @@ std::string manual_page(const CLI::App& program, std::chrono::year_month_day day
       static_cast<unsigned>(day.day()), name, KORVEL_LAYOUT_VERSION, name,
       as_it_is(purpose_of(program)), bold(program.get_name()), italic("COMMAND"), italic("OPTIONS"),
       as_it_is(program.get_description()), options_text(program));
-  for (const CLI::App* command : program.get_subcommands([](const CLI::App*) { return true; })) {
+  for (const CLI::App* command : commands_of(program)) {
     page += command_section(program, *command);
   }
   return page + ".SH EXAMPLES AND EXIT CODES\n" + footer_text(program.get_footer(), true);

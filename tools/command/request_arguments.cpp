@@ -1,5 +1,6 @@
 #include "tools/command/request_arguments.h"
 
+#include "tools/command/parse_refusal.h"
 #include "tools/request/bad_input.h"
 
 namespace tool {
@@ -12,9 +13,12 @@ CLI::Option* add_text(CLI::App& command, const char* name, std::optional<std::st
 
 void add_chip(CLI::App& command, std::optional<std::string>& chip, bool& unknown_chip,
               const char* description, const char* type_name) {
-  add_text(command, "--chip", chip, description)->type_name(type_name);
-  command.add_flag("--unknown-chip", unknown_chip,
-                   "With --chip: an id that is not known, as it is");
+  CLI::Option* const option = add_text(command, "--chip", chip, description);
+  option->type_name(type_name);
+  command
+      .add_flag("--unknown-chip", unknown_chip, "With --chip: an id that is not known, as it is")
+      ->needs(option)
+      ->option_text(" ");  // what it needs stands in its description
 }
 
 void add_request(CLI::App& command, RequestOptions& options, Needs needs) {
@@ -37,8 +41,8 @@ void add_request(CLI::App& command, RequestOptions& options, Needs needs) {
   command.add_flag("--extended", options.extended, "With --extra: the chip's extra padding");
 }
 
-RequestOptions parse_request_text(const char* option, const std::string& text,
-                                  const RequestOptions& common) {
+RequestOptions parse_request_text(std::string_view command_text, const char* option,
+                                  const std::string& text, const RequestOptions& common) {
   RequestOptions options = common;
   CLI::App side;
   side.set_help_flag();  // the text is no command
@@ -46,13 +50,15 @@ RequestOptions parse_request_text(const char* option, const std::string& text,
   try {
     side.parse(text);
   } catch (const CLI::ParseError& error) {
-    refuse("{}: {}; write for example {} '--format nv12 --size 1920x1080 --linear'", option,
-           error.what(), option);
+    refuse("{}: {}", option, option_refusal(side, error, command_text));
   }
   for (const auto& [name, value] :
        {std::pair("--format", &options.format), std::pair("--size", &options.size)}) {
     if (value->empty()) {
-      refuse("{}: {} is missing; it may stand here or, for both sides, outside", option, name);
+      refuse(
+          "{}: {} is missing; it may stand here or, for both sides, outside, for example {} "
+          "'--format nv12 --size 1920x1080'",
+          option, name, option);
     }
   }
   return options;

@@ -4,6 +4,7 @@
 #include <CLI/CLI.hpp>
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include "tools/command/request_options.h"
 
@@ -23,8 +24,8 @@ enum class Needs : uint8_t { format_and_size, nothing };
 void add_request(CLI::App& command, RequestOptions& options, Needs needs = Needs::format_and_size);
 
 // The options of a text such as "--format nv12 --linear" beside those that hold already. Throws
-// BadInput, naming the option that the text is of.
-RequestOptions parse_request_text(const char* option, const std::string& text,
-                                  const RequestOptions& common);
+// BadInput, naming the option that the text is of, and the command: "korvel-layout diff".
+RequestOptions parse_request_text(std::string_view command_text, const char* option,
+                                  const std::string& text, const RequestOptions& common);
 
 }  // namespace tool
