@@ -10,6 +10,7 @@
 #include "tools/library/surface_layout.h"
 #include "tools/output/explanation_json.h"
 #include "tools/output/explanation_text.h"
+#include "tools/output/json_output.h"
 #include "tools/output/layout_json.h"
 #include "tools/output/layout_text.h"
 #include "tools/output/standard_error.h"
@@ -78,9 +79,9 @@ int explain(const ExplainOptions& options) {
   print_warnings(warnings);
   if (options.json) {
     nlohmann::ordered_json json = layout_json(chip, request, laid_out.blob);
+    json["field"] = options.field ? nlohmann::ordered_json(*options.field) : nullptr;
     json["steps"] = steps_json(part);
-    json["warnings"] = warnings;
-    print_data(json.dump(2) + "\n");
+    print_data(json_text("explain", json, warnings));
   } else {
     print_data(explanation_text(chip, request, part) +
                answer_text(laid_out.blob, options.field, comparison.compared));

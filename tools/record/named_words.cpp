@@ -79,10 +79,7 @@ std::vector<NamedWord> named_words(const RecordFields& fields,
 }
 
 uint64_t word_value(const NamedWord& word, std::span<const unsigned char> record) {
-  uint64_t value = 0;
-  const std::size_t size = std::min<std::size_t>(word.field->size, sizeof value);
-  std::memcpy(&value, record.data() + word.offset, size);
-  return value;
+  return field_number(*word.field, record.data() + word.offset);
 }
 
 }  // namespace tool
