@@ -39,6 +39,8 @@ RUNS = [
     f"explain --format 28 --size 2147483647x3 {UNKNOWN}",
     "explain --format 28 --size 1918x1080 --ubwc --field level[0].plane[0].flag_pitch",
     "explain --format 28 --size 100x60x2 --levels 3 --field total_size",
+    "explain --format 28 --size 100x60x2 --levels 3 --field level[1].slices",
+    "explain --format 28 --size 100x60x2 --field device_uuid",
     "table --format 28,nv12,501 --size 64x64,1920x1080 --chip all-families --linear both --levels none,full",
     "table --format 28,d32_float --size 64x64 --linear --ubwc both --sort padding",
     f"table {WRAPS}",
