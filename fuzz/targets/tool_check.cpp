@@ -137,7 +137,7 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, std::size_t size) {
   options.stored.kind = fuzz::draw_kind_option(input);
   options.chip = draw_chip(input);
   options.unknown_chip = true;
-  const fuzz::StoredInputFile file = fuzz::store_drawn_file(input);
+  const fuzz::StoredInputFile file = fuzz::store_file(fuzz::draw_record_file(input));
   options.stored.file = file.path;
   const ToolRun run = fuzz::run_tool(file, [&] { return tool::check(options); });
   if (!fuzz::fits(file.bytes.size(), options.stored.kind))

@@ -66,7 +66,7 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, std::size_t size) {
   tool::DumpOptions options;
   options.stored.kind = fuzz::draw_kind_option(input);
   options.all = input.u8() % 2 != 0;
-  const fuzz::StoredInputFile file = fuzz::store_drawn_file(input);
+  const fuzz::StoredInputFile file = fuzz::store_file(fuzz::draw_record_file(input));
   options.stored.file = file.path;
   const fuzz::ToolRun run = fuzz::run_tool(file, [&] { return tool::dump(options); });
   REQUIRE(run.exit_code == tool::kExitDone || run.exit_code == tool::kExitBadInput);

@@ -91,8 +91,8 @@ std::vector<WordRule> head_rules(const Asked& asked) {
 std::vector<WordRule> level_rules(const Asked& asked) {
   const SurfaceRequest& request = asked.request;
   const char* const rule = asked.writes_levels() ? kAsAsked : kNotWritten;
-  const auto fact = [&asked](std::string written) {
-    return asked.writes_levels() ? written : "a chain without planes writes no level";
+  const auto fact = [&asked](const std::string& written) {
+    return asked.writes_levels() ? written : std::string("a chain without planes writes no level");
   };
   const std::string no_lrz = "lrz_valid is no";
   const std::string no_lrz_fc = "lrz_fc_valid is no";

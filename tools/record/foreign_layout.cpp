@@ -1,6 +1,10 @@
 #include "tools/record/foreign_layout.h"
 
 #include <nlohmann/json.hpp>
+
+#include <algorithm>
+#include <limits>
+#include <set>
 #include <string_view>
 
 #include "tools/output/standard_error.h"
@@ -28,13 +32,56 @@ const NumberName& name_of(std::string_view text) {
          "--plane pitch=7680,height=1080,offset=0,size=8294400");
 }
 
+// A text that says one thing twice may be read either way.
+class NamesOnce {
+ public:
+  explicit NamesOnce(const std::string& path) : path_(path) {}
+
+  void see(Json::parse_event_t event, const Json& parsed) {
+    using Event = Json::parse_event_t;
+    if (event == Event::object_start) open_.emplace_back();
+    if (event == Event::object_end) open_.pop_back();
+    if (event != Event::key) return;
+    const auto& name = parsed.get_ref<const std::string&>();
+    if (!open_.back().insert(name).second) {
+      refuse("{}: {} stands twice in one object; leave one of them", in_quotes(path_),
+             in_quotes(name));
+    }
+  }
+
+ private:
+  const std::string& path_;
+  std::vector<std::set<std::string>> open_;  // names of the objects that are not closed yet
+};
+
+// None for a text that is no JSON.
+std::optional<Json> json_in(const std::string& path, const std::vector<unsigned char>& text) {
+  // Behind a zero byte the parser would not look any further.
+  if (std::find(text.begin(), text.end(), '\0') != text.end()) return std::nullopt;
+  NamesOnce names(path);
+  const auto see = [&names](int /*depth*/, Json::parse_event_t event, const Json& parsed) {
+    names.see(event, parsed);
+    return true;
+  };
+  Json json = Json::parse(text.begin(), text.end(), see, false);
+  if (json.is_discarded()) return std::nullopt;
+  return json;
+}
+
+// What stands in place of a number; nothing that may be long.
+std::string found_text(const Json& json) {
+  return json.is_number() || json.is_boolean() ? json.dump()
+                                               : fmt::format("of type {}", json.type_name());
+}
+
 ForeignPlane plane_of(const Json& json, const std::string& path) {
   ForeignPlane plane;
   for (const NumberName& known : foreign_plane_names()) {
     const auto found = json.find(known.field_name);
     if (found == json.end() || found->is_null()) continue;
     if (!found->is_number_unsigned()) {
-      refuse("{}: {} is no number from 0 on", in_quotes(path), known.field_name);
+      refuse("{}: {} is {}; it is a whole number from 0 to {}, for example 7680", in_quotes(path),
+             known.field_name, found_text(*found), std::numeric_limits<uint64_t>::max());
     }
     plane.*known.member = found->get<uint64_t>();
   }
@@ -77,8 +124,8 @@ std::vector<ForeignPlane> read_foreign_planes(const std::string& path) {
   if (bytes.size() > kLongestLayoutFile) {
     refuse("{} holds more than {} bytes; a layout is shorter", in_quotes(path), kLongestLayoutFile);
   }
-  const Json json = Json::parse(bytes.begin(), bytes.end(), nullptr, false);
-  const Json* const planes = json.is_discarded() ? nullptr : planes_in(json);
+  const std::optional<Json> json = json_in(path, bytes);
+  const Json* const planes = json ? planes_in(*json) : nullptr;
   if (planes == nullptr) {
     refuse(R"({} is no JSON with planes; write for example {{"plane": [{{"image_pitch": 7680}}]}})",
            in_quotes(path));
