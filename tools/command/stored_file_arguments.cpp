@@ -5,8 +5,8 @@
 namespace tool {
 
 void add_kind(CLI::App& command, std::optional<std::string>& kind) {
-  add_text(command, "--kind", kind, "resource or surface; default by the file's size")
-      ->type_name("KIND");
+  add_text(command, "--kind", kind, "What a file holds; default by its size")
+      ->type_name("resource|surface");
 }
 
 void add_stored_file(CLI::App& command, StoredFileOptions& options) {

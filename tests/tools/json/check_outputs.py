@@ -126,7 +126,7 @@ BAD_RUNS = [
 ]
 
 # Commands whose output is a text for another program.
-WITHOUT_JSON = {"schema"}
+WITHOUT_JSON = {"schema", "manual"}
 
 UNITS = re.compile(
     r"\b(bytes|texels|elements|rows|tiles|slices|samples|levels|planes|per cent|number of|number that|no unit"
