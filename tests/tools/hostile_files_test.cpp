@@ -227,6 +227,19 @@ TEST(HostileFiles, NamesInSeveralObjects) {
   EXPECT_EQ(run_tool("fit --format nv12 --size 1920x1080 --linear --layout " + path).exit_code, 0);
 }
 
+// A file's name is the user's own text: no JSON breaks of it, and no terminal obeys it.
+TEST(HostileFiles, Names) {
+  const ScratchFolder folder;
+  const std::string path = folder.file("\xFF\x1B[2J\n", bytes_of(stored_blob(folder)));
+  for (const char* command : {"check", "dump"}) {
+    const Outcome run = run_tool_with({command, path, "--json"});
+    EXPECT_EQ(run.exit_code, 0) << command;
+    EXPECT_TRUE(nlohmann::json::accept(run.out)) << command;
+  }
+  EXPECT_TRUE(nlohmann::json::accept(run_tool_with({"diff", path, path, "--json"}).out));
+  EXPECT_EQ(run_tool_with({"diff", path, path}).out.find('\x1B'), std::string::npos);
+}
+
 // Numbers of bytes that no layout has.
 TEST(HostileFiles, BytesToGuess) {
   for (const char* bytes :
