@@ -203,16 +203,17 @@ TEST(HostileFiles, NumbersOfLayouts) {
     return reason_of_refusal(
         run_tool("fit --format 28 --size 1918x1080 --linear --layout " + path));
   };
-  const std::string allowed =
-      "it is a whole number from 0 to 18446744073709551615, for example 7680";
   for (const auto& [number, found] :
-       {std::pair("-1", "image_pitch is -1; "), std::pair("7680.5", "image_pitch is 7680.5; "),
-        std::pair("18446744073709551616", "image_pitch is 1.8446744073709552e+19; "),
-        std::pair("true", "image_pitch is true; "), std::pair("\"1\"", "is of type string; "),
-        std::pair("[[]]", "is of type array; ")}) {
+       {std::pair("-1", "\"-1\""), std::pair("7680.5", "\"7680.5\""),
+        std::pair("18446744073709551616", "\"1.8446744073709552e+19\""),
+        std::pair("true", "\"true\""), std::pair("\"1\"", "\"\"1\"\""),
+        std::pair("[[]]", "an array")}) {
     const std::string reason =
         reason_of(R"({"plane": [{"image_pitch": )" + std::string(number) + "}]}");
-    EXPECT_NE(reason.find(found + allowed), std::string::npos) << reason;
+    EXPECT_NE(reason.find("image_pitch is no whole number from 0 to 18446744073709551615, but " +
+                          std::string(found) + "; write for example"),
+              std::string::npos)
+        << reason;
   }
   EXPECT_NE(reason_of(R"({"plane": [{"image_pitch": 1, "image_pitch": 2}]})")
                 .find("\"image_pitch\" stands twice in one object; leave one of them"),

@@ -23,21 +23,28 @@
 namespace tool {
 namespace {
 
-[[noreturn]] void refuse_field(const std::string& field, const std::vector<FieldValue>& fields) {
-  for (const FieldValue& known : fields) {
+std::vector<FieldValue> all_fields(const LayoutMetadata& blob) {
+  std::vector<FieldValue> fields = explained_fields(blob);
+  const std::vector<FieldValue> words = further_words(blob);
+  fields.insert(fields.end(), words.begin(), words.end());
+  return fields;
+}
+
+[[noreturn]] void refuse_field(const std::string& field, const LayoutMetadata& blob) {
+  for (const FieldValue& known : all_fields(blob)) {
     if (word_of_field(known.field) == word_of_field(field)) {
-      refuse("--field: this layout has no {}, but it has {}", in_quotes(field), known.field);
+      refuse("--field: this layout has no {}, but it has {}; write for example --field {}",
+             in_quotes(field), known.field, known.field);
     }
   }
   std::string names;
-  for (const FieldValue& known : fields) {
+  for (const FieldValue& known : explained_fields(blob)) {
     const std::string word(word_of_field(known.field));
     if (names.find(" " + word + ",") == std::string::npos) names += " " + word + ",";
   }
-  names.pop_back();
   refuse(
-      "--field: this layout has no {}; write level[0].plane[0].image_pitch, level[0].size or "
-      "total_size; there are{}",
+      "--field: this layout has no {}; write for example level[0].plane[0].image_pitch, "
+      "level[0].size or total_size; there are{} and all others that show --json prints",
       in_quotes(field), names);
 }
 
@@ -47,19 +54,12 @@ struct Explained {
   Explanation words;
 };
 
-std::vector<FieldValue> all_fields(const LayoutMetadata& blob) {
-  std::vector<FieldValue> fields = explained_fields(blob);
-  const std::vector<FieldValue> words = further_words(blob);
-  fields.insert(fields.end(), words.begin(), words.end());
-  return fields;
-}
-
 Explanation asked_part(const Explained& explained, const std::optional<std::string>& field,
                        const LayoutMetadata& blob) {
   if (!field) return explained.whole;
   Explanation part = steps_to(explained.whole, *field);
   if (part.steps.empty()) part = steps_to_word(explained.words, *field);
-  if (part.steps.empty()) refuse_field(*field, all_fields(blob));
+  if (part.steps.empty()) refuse_field(*field, blob);
   return part;
 }
 
