@@ -18,6 +18,7 @@
 #include "tools/command/chips_command.h"
 #include "tools/command/diff_side.h"
 #include "tools/command/difference_report.h"
+#include "tools/command/dump_command.h"
 #include "tools/command/exit_codes.h"
 #include "tools/command/explain_command.h"
 #include "tools/command/formats_command.h"
@@ -104,12 +105,18 @@ std::string handed_over(const Members& members) {
 
 int check(const json& asked) {
   const Members members(asked, {"bytes", "name", "kind", "chip", "unknown_chip", "strict"});
-  return tool::check({.file = handed_over(members),
+  return tool::check({.stored = {.file = handed_over(members), .kind = members.text("kind")},
                       .chip = members.text("chip"),
                       .unknown_chip = members.yes("unknown_chip"),
-                      .kind = members.text("kind"),
                       .json = true,
                       .strict = members.yes("strict")});
+}
+
+int dump(const json& asked) {
+  const Members members(asked, {"bytes", "name", "kind", "all"});
+  return tool::dump({.stored = {.file = handed_over(members), .kind = members.text("kind")},
+                     .all = members.yes("all"),
+                     .json = true});
 }
 
 // --- How they are called. ---
@@ -170,3 +177,4 @@ EXPLORER_CALL(diff)
 EXPLORER_CALL(chips)
 EXPLORER_CALL(formats)
 EXPLORER_CALL(check)
+EXPLORER_CALL(dump)

@@ -16,10 +16,11 @@
 //   chips()                                all chips
 //   formats({ chip })                      all formats, and with a chip what it does with each
 //   check({ bytes, chip, kind, strict })   the validator's verdict on bytes in base64 or hex
+//   dump({ bytes, kind, all })             the fields of these bytes
 //
 // The names of a request are those of the command line's options: format, size, chip, unknown_chip, samples, planes,
 // levels, linear, ubwc, extra, extended.
-const CALLS = ['explain', 'scene', 'svg', 'diff', 'chips', 'formats', 'check'];
+const CALLS = ['explain', 'scene', 'svg', 'diff', 'chips', 'formats', 'check', 'dump'];
 
 // What the module may ask of the system around it: nothing but a place for reports, which go nowhere, as every answer
 // has its warnings inside.

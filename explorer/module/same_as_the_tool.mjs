@@ -5,7 +5,7 @@
 
 import assert from 'node:assert/strict';
 import { spawnSync } from 'node:child_process';
-import { mkdtempSync, readFileSync, rmSync } from 'node:fs';
+import { mkdtempSync, readFileSync, rmSync, writeFileSync } from 'node:fs';
 import { tmpdir } from 'node:os';
 import { join } from 'node:path';
 import { pathToFileURL } from 'node:url';
@@ -53,8 +53,8 @@ const options_of = (request) =>
     return value === false ? [] : [option, String(value)];
   });
 
-const chips = korvel.chips().chips ?? korvel.chips();
-const formats = korvel.formats().formats ?? korvel.formats();
+const { chips } = korvel.chips();
+const { formats } = korvel.formats();
 assert(chips.length > 10 && formats.length > 100, 'the lists of chips and formats are too short');
 
 const chip_text = (chip) => `0x${chip.chip_id.toString(16).toUpperCase().padStart(8, '0')}`;
@@ -115,7 +115,6 @@ try {
   process.chdir(folder);
   const made = run('show', '--format', 'nv12', '--size', '1920x1080', '--ubwc', '--blob', 'good.blob');
   assert.equal(made.status, 0, made.stderr);
-  const { writeFileSync } = await import('node:fs');
   const good = readFileSync('good.blob');
   assert.equal(good.length, 5536);
   let refused = 0;
@@ -126,9 +125,10 @@ try {
     const asked = { bytes: bytes.toString('base64'), name: 'record.blob', chip: '0x43010000', strict: true };
     compare('check', asked, ['check', 'record.blob', '--chip', '0x43010000', '--strict']);
     if (korvel.check(asked).valid === false) ++refused;
+    compare('dump', { bytes: asked.bytes, name: asked.name }, ['dump', 'record.blob']);
   }
   assert(refused > 3 && refused < 40, `${refused} of 40 records are refused`);
-  console.log(`check: 40 records, ${refused} refused`);
+  console.log(`check and dump: 40 records, ${refused} refused`);
 } finally {
   rmSync(folder, { recursive: true });
 }

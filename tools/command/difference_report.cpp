@@ -7,6 +7,7 @@
 #include "tools/comparison/record_comparison.h"
 #include "tools/explanation/request_warnings.h"
 #include "tools/output/difference_output.h"
+#include "tools/output/json_output.h"
 #include "tools/output/standard_error.h"
 #include "tools/output/standard_output.h"
 #include "tools/request/bad_input.h"
@@ -56,9 +57,7 @@ int report_difference(const ComparedSide& a, const ComparedSide& b, bool json) {
   add_warnings(warnings, 'B', b);
   print_warnings(warnings);
   if (json) {
-    nlohmann::ordered_json text = difference_json(difference);
-    text["warnings"] = warnings;
-    print_data(text.dump(2) + "\n");
+    print_data(json_text("diff", difference_json(difference), warnings));
   } else {
     print_data(difference_text(difference));
   }
