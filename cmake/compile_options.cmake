@@ -13,7 +13,7 @@ set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
 
 # Programs and libraries find each other wherever the build folder is moved to.
 set(CMAKE_BUILD_RPATH_USE_ORIGIN ON)
-if(NOT WIN32)
+if(NOT WIN32 AND NOT EMSCRIPTEN)
   add_link_options(-Wl,--enable-new-dtags)
 endif()
 

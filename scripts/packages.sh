@@ -7,6 +7,8 @@ test_packages=(clang libclang-rt-14-dev clang-format clang-tidy libgtest-dev lib
                bash-completion man-db mandoc)
 windows_packages=(clang-19 lld-19 llvm-19 libc++-19-dev mingw-w64-common)
 arm64_packages=(g++-aarch64-linux-gnu qemu-user googletest)
+# emscripten's own programs are run by node; one from elsewhere is as good as Debian's.
+wasm_packages=(emscripten nodejs googletest)
 proof_packages=(python3-z3 cvc5)
 bench_packages=(libbenchmark-dev libgtest-dev libgmock-dev libcapstone-dev python3 valgrind)
 

@@ -60,7 +60,8 @@ static_assert([] {
                           (record.flags & FORMAT_FLAG_DEPTH_STENCIL) != 0;
     if ((row != std::end(kPlaneFormatRows)) != (record.planes > 1 || depth_64)) return false;
     if (row == std::end(kPlaneFormatRows) || depth_64) continue;
-    const auto planes = kPlanes - std::count(row->bytes, row->bytes + kPlanes, 0U);
+    const auto unused = static_cast<uint32_t>(std::count(row->bytes, row->bytes + kPlanes, 0U));
+    const uint32_t planes = kPlanes - unused;
     if (row->bytes[0] != record.bytes || planes != record.planes) return false;
   }
   return true;

@@ -17,6 +17,10 @@ namespace korvel {
   // integer-divide-by-zero exception.
   __asm__ volatile("brk #0xF004");
   __builtin_unreachable();
+#elif defined(__wasm__)
+  // The engine's trap of a division, which differs from the one of what is not reached.
+  __asm__ volatile("i32.const 1\n\ti32.const 0\n\ti32.div_u\n\tdrop");
+  __builtin_unreachable();
 #else
   __builtin_trap();
 #endif

@@ -1,56 +1,12 @@
 // The division fault as an answer: a call that ends in it comes back to the test, which costs no
 // process as EXPECT_DIVISION_FAULT does. For sweeps that meet many of them.
+//
+// harness::FaultTrap has bool answers(call): false when the call ended in the fault; what it stored
+// by then is unknown.
 #pragma once
 
-#include <csetjmp>
-#include <csignal>
-
-namespace harness {
-
-class FaultTrap {
- public:
-  FaultTrap() {
-    struct sigaction action = {};
-    action.sa_handler = come_back;
-    // The handler is left by a jump: the signal must not stay blocked.
-    action.sa_flags = SA_NODEFER;
-    sigaction(kSignal, &action, &before_);
-  }
-  ~FaultTrap() { sigaction(kSignal, &before_, nullptr); }
-  FaultTrap(const FaultTrap&) = delete;
-  FaultTrap& operator=(const FaultTrap&) = delete;
-
-  // False when the call ended in the fault. What it stored by then is unknown. Never inlined: what
-  // the caller keeps in registers survives the jump.
-  template <typename Call>
-  [[gnu::noinline]] bool answers(const Call& call) {
-    if (sigsetjmp(return_point_, 0) != 0) return false;
-    armed_ = 1;
-    call();
-    armed_ = 0;
-    return true;
-  }
-
- private:
-#if defined(__x86_64__) || defined(__i386__)
-  static constexpr int kSignal = SIGFPE;
+#if defined(__EMSCRIPTEN__)
+#include "tests/harness/wasm_fault_trap.h"
 #else
-  static constexpr int kSignal = SIGTRAP;
+#include "tests/harness/signal_fault_trap.h"
 #endif
-
-  static void come_back(int signal) {
-    if (armed_ == 0) {
-      // Not a call's fault. It comes again, and ends the program.
-      std::signal(signal, SIG_DFL);
-      return;
-    }
-    armed_ = 0;
-    siglongjmp(return_point_, 1);
-  }
-
-  static inline sigjmp_buf return_point_;
-  static inline volatile std::sig_atomic_t armed_ = 0;
-  struct sigaction before_;
-};
-
-}  // namespace harness

@@ -7,6 +7,10 @@
 #include <cstdio>
 #include <string_view>
 
+#if defined(__EMSCRIPTEN__)
+#include "tests/harness/left_out.h"
+#endif
+
 namespace {
 
 // What only prints.
@@ -34,8 +38,12 @@ int main(int argc, char** argv) {
     return 2;
   }
   int begun = 0;
-  // The listeners own it.
-  testing::UnitTest::GetInstance()->listeners().Append(new TestCounter(begun));
+  // They own what is appended.
+  testing::TestEventListeners& listeners = testing::UnitTest::GetInstance()->listeners();
+  listeners.Append(new TestCounter(begun));
+#if defined(__EMSCRIPTEN__)
+  listeners.Append(new harness::LeftOutTests);
+#endif
   const int result = RUN_ALL_TESTS();
   if (only_prints || begun > 0) return result;
   std::fprintf(
