@@ -43,9 +43,7 @@ def _shown_opaque(prover, conditions, claim):
     patience = prover.timeout_seconds
     prover.timeout_seconds, gave_up = _OPAQUE_SECONDS, len(prover.gave_up)
     assumed, wanted = [opaque(c) for c in conditions], opaque(claim)
-    # To bits at once, and of models that are known: what is left open here is asked below.
-    proved = prover._check(assumed, terms.negation(wanted), quick=True)[0] == "unsat"
-    proved = proved or prover.proves(assumed, wanted).proved
+    proved = _follows_at_once(prover, assumed, wanted) or prover.proves(assumed, wanted).proved
     if not proved:
         assumed, wanted = simplified(conditions, claim)
         assumed, wanted = [opaque(c) for c in assumed], opaque(wanted)
@@ -81,13 +79,28 @@ def _of_the_branch(prover, conditions, term):
     """Of a choice at the top of a term, what the conditions leave."""
     while not terms.known(term) and z3.is_app_of(term, z3.Z3_OP_ITE):
         test, yes, no = term.children()
-        if _shown_opaque(prover, conditions, test):
+        if _decided_at_once(prover, conditions, test):
             term = yes
-        elif _shown_opaque(prover, conditions, z3.Not(test)):
+        elif _decided_at_once(prover, conditions, z3.Not(test)):
             term = no
         else:
             break
     return term
+
+
+def _decided_at_once(prover, conditions, claim):
+    """That the claim follows, by the first and shortest way of asking."""
+    patience, gave_up = prover.timeout_seconds, len(prover.gave_up)
+    prover.timeout_seconds = _OPAQUE_SECONDS
+    proved = _follows_at_once(prover, [opaque(c) for c in conditions], opaque(claim))
+    prover.timeout_seconds = patience
+    del prover.gave_up[gave_up:]
+    return proved
+
+
+def _follows_at_once(prover, assumed, wanted):
+    """To bits at once, and of models that are known: what is left open here is asked elsewhere."""
+    return prover._check(assumed, terms.negation(wanted), quick=True)[0] == "unsat"
 
 
 def _equal_factors(prover, conditions, one, other):

@@ -28,9 +28,16 @@ def _settled(conditions):
     made = _parts(conditions)
     decisions = []
     for _ in range(_ROUNDS):
-        decisions = [d for c in made for d in _decided_by(c)]
-        made = _parts(_put(c, [d for d in decisions if not _is_about_itself(d, c)]) for c in made)
+        by_condition = [_decided_by(c) for c in made]
+        decisions = [d for own in by_condition for d in own]
+        made = _parts(_put(c, _without(decisions, own)) for c, own in zip(made, by_condition))
     return made, decisions
+
+
+def _without(decisions, own):
+    """The decisions about other terms: a condition is not put into itself."""
+    terms_ = {term.get_id() for term, _ in own}
+    return [d for d in decisions if d[0].get_id() not in terms_]
 
 
 def _parts(conditions):
@@ -61,10 +68,6 @@ def _decided_by(condition):
             if z3.is_bv_value(other):
                 made.append((side, other))
     return made
-
-
-def _is_about_itself(decision, condition):
-    return any(d.eq(decision[0]) for d, _ in _decided_by(condition))
 
 
 def _put(term, decisions):
