@@ -139,3 +139,32 @@ install(
   DESTINATION ${documents_folder}/reference
   COMPONENT development
   OPTIONAL)
+
+# The tool, where it has been built for packages. Its manual page and what shells complete are other files of `tools`.
+if(TARGET korvel-layout-static)
+  install(PROGRAMS ${PROJECT_BINARY_DIR}/bin/static/korvel-layout TYPE BIN
+    COMPONENT tools
+    OPTIONAL)
+endif()
+
+# What make_archive beside this takes from the build: one README for each archive, and facts.
+set(readmes main)
+if(NOT WIN32)
+  list(APPEND readmes tools simulator)
+endif()
+foreach(readme IN LISTS readmes)
+  configure_file(
+    ${CMAKE_CURRENT_LIST_DIR}/package/readme/${readme}-${system}.md.in
+    ${PROJECT_BINARY_DIR}/package/readme/${readme}.md
+    @ONLY)
+endforeach()
+# The Debian packages of what is in a statically linked program.
+if(CMAKE_CROSSCOMPILING)
+  set(static_packages "libc6-dev-arm64-cross libstdc++-12-dev-arm64-cross")
+else()
+  set(static_packages "libc6-dev libstdc++-12-dev")
+endif()
+configure_file(
+  ${CMAKE_CURRENT_LIST_DIR}/package/facts.in
+  ${PROJECT_BINARY_DIR}/package/facts
+  @ONLY)
