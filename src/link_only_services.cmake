@@ -29,3 +29,4 @@ add_library(hxluser_link_only SHARED ${source})
 set_target_properties(hxluser_link_only PROPERTIES
   OUTPUT_NAME hxluser
   LIBRARY_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/lib/link-only)
+target_link_options(hxluser_link_only PRIVATE -s)
