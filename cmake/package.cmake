@@ -25,7 +25,6 @@ if(WIN32)
   set(static_library_file "")
   set(link_only_folder "")
   set(link_flags "")
-  set(static_link_line "")
   install(
     TARGETS korvel_utils
     RUNTIME COMPONENT library
@@ -41,7 +40,6 @@ else()
     "IMPORTED_SONAME libkorvel_utils.so.${PROJECT_VERSION_MAJOR}
     INTERFACE_LINK_OPTIONS \"LINKER:--allow-shlib-undefined\"")
   set(link_flags " -Wl,--allow-shlib-undefined")
-  set(static_link_line "Libs.private: -L\${libdir}/korvel_utils/link-only -lhxluser")
 
   # The driver's installer may put the services beside the library; elsewhere the system finds them.
   set_target_properties(korvel_utils PROPERTIES
@@ -107,14 +105,17 @@ install(
   DESTINATION ${package_folder}
   COMPONENT development)
 
-configure_file(
-  ${CMAKE_CURRENT_LIST_DIR}/package/korvel_utils.pc.in
-  ${PROJECT_BINARY_DIR}/korvel_utils.pc
-  @ONLY)
-install(
-  FILES ${PROJECT_BINARY_DIR}/korvel_utils.pc
-  DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig
-  COMPONENT development)
+set(pkg_config_names korvel_utils)
+if(NOT WIN32)
+  list(APPEND pkg_config_names korvel_utils-static)
+endif()
+foreach(name IN LISTS pkg_config_names)
+  configure_file(${CMAKE_CURRENT_LIST_DIR}/package/${name}.pc.in ${PROJECT_BINARY_DIR}/${name}.pc @ONLY)
+  install(
+    FILES ${PROJECT_BINARY_DIR}/${name}.pc
+    DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig
+    COMPONENT development)
+endforeach()
 
 install(
   DIRECTORY

@@ -75,10 +75,11 @@
  *     Windows     cl program.c korvel_utils.lib
  *   --allow-shlib-undefined leaves to the loader what libkorvel_utils.so calls of libhxluser.so;
  *   the first two ways say it by themselves.
- *   On Linux there is a static library too: korvel_utils::korvel_utils_static, pkg-config --static,
- *   or cc program.c libkorvel_utils.a -Llib/korvel_utils/link-only -lhxluser. The libhxluser.so of
- *   the folder link-only tells linkers the names of the services and does nothing else: no program
- *   must load it.
+ *   On Linux there is a static library too: korvel_utils::korvel_utils_static, in pkg-config
+ *   korvel_utils-static, or
+ *     cc program.c libkorvel_utils.a -Llib/korvel_utils/link-only -lhxluser
+ *   The libhxluser.so of the folder link-only tells linkers the names of the services and does
+ *   nothing else: no program must load it.
  *   When the program starts, the loader looks for libhxluser.so beside libkorvel_utils.so.1 and
  *   where the system keeps libraries. A machine without the driver can have a stand-in whose GPU
  *   you choose: find_package(korvel_utils CONFIG REQUIRED COMPONENTS simulator).

@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
-"""Writes sbom.spdx.json into the folder of an archive: every file with its sums, and what the files were made of, by the
-build's own list. cmake/package/make_sbom.py FOLDER FACTS"""
+"""Prints the list of a folder that is to be an archive, as SPDX in JSON: every file with its sums, and what the files were
+made of, by the build's own list. cmake/package/make_sbom.py FOLDER FACTS"""
 
 import hashlib
 import json
@@ -59,7 +59,7 @@ def verification_code(files):
 
 
 def main(folder, facts_file):
-    """The document."""
+    """Prints the document."""
     folder = Path(folder)
     facts = read_facts(facts_file)
     paths = sorted(p for p in folder.rglob("*") if p.is_file() and not p.is_symlink())
@@ -100,7 +100,7 @@ def main(folder, facts_file):
         "relationships": [{"spdxElementId": one, "relationshipType": kind, "relatedSpdxElement": other}
                           for one, kind, other in relationships],
     }
-    (folder / "sbom.spdx.json").write_text(json.dumps(document, indent=1) + "\n")
+    print(json.dumps(document, indent=1))
 
 
 if __name__ == "__main__":
