@@ -14,6 +14,7 @@ set(CPACK_PACKAGE_DIRECTORY ${PROJECT_SOURCE_DIR}/build/packages)
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY ${PROJECT_DESCRIPTION})
 set(CPACK_PACKAGE_VENDOR ${PROJECT_NAME})
 set(CPACK_PACKAGE_CONTACT ${KORVEL_MAINTAINER})
+set(CPACK_PRE_BUILD_SCRIPTS ${debian_templates}/compress_manual_pages.cmake)
 set(CPACK_VERBATIM_VARIABLES ON)
 set(CPACK_DEB_COMPONENT_INSTALL ON)
 set(CPACK_COMPONENTS_GROUPING ONE_PER_GROUP)
@@ -75,7 +76,7 @@ korvel_debian_package(lib${debian_name}-dev libdevel development "${debian_libra
   "GPU surface memory layouts, for programs that use the library"
   "The header, which is the manual too, the static library, what CMake and
  pkg-config need, examples and the API reference.")
-korvel_debian_package(${debian_name}-tools utils tools ""
+korvel_debian_package(${debian_name}-tools utils static_tool ""
   "GPU surface memory layouts on the command line"
   "korvel-layout lays surfaces out, explains every number, compares layouts
  and checks stored records. It needs no driver.")

@@ -1,7 +1,7 @@
 # What `cmake --install` puts where, in components: `library` (what programs load), `development` (what they are built
-# with), `debug_symbols`, `tools`, and, installed only when it is asked for by name, `simulator`, the stand-in for the
-# services library. That library itself is the driver's and in no package. scripts/package makes archives of these, and
-# cmake/debian.cmake the Debian packages.
+# with), `debug_symbols`, and, installed only when it is asked for by name, `simulator`, the stand-in for the services
+# library. That library itself is the driver's and in no package. The tool's components are in tools/. scripts/package makes
+# archives of all of these, and cmake/debian.cmake the Debian packages.
 
 include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
@@ -140,13 +140,6 @@ install(
   DESTINATION ${documents_folder}/reference
   COMPONENT development
   OPTIONAL)
-
-# The tool, where it has been built for packages. Its manual page and what shells complete are other files of `tools`.
-if(TARGET korvel-layout-static)
-  install(PROGRAMS ${PROJECT_BINARY_DIR}/bin/static/korvel-layout TYPE BIN
-    COMPONENT tools
-    OPTIONAL)
-endif()
 
 # What make_archive beside this takes from the build: one README for each archive, and facts.
 set(readmes main)

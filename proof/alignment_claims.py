@@ -15,12 +15,14 @@ ANY = object()  # a message's number that is not looked at
 _OPAQUE_SECONDS = 2
 _MERGED_SECONDS = 10
 
+_MOST_SPLITS = 3  # of two products' equality, one in another
 
-def show(proof, case, what, conditions, claim, place="", answer=None, enough=None):
+
+def show(proof, case, what, conditions, claim, place="", answer=None, products=None):
     """The claim holds wherever the conditions do: first with products and quotients opaque.
-    `enough`: a claim that the claim follows from, which is easier to show."""
+    `products`: two of which the claim says that they are equal."""
     claim = terms.truth(claim)
-    if enough is not None and _shown_opaque(proof.prover, conditions, enough):
+    if products is not None and _are_equal_products(proof.prover, conditions, *products):
         proof.count()
         return True
     if _shown_opaque(proof.prover, conditions, claim):
@@ -75,9 +77,13 @@ def _factors(term):
     return number & terms.mask(32), others
 
 
+def _is_choice(term):
+    return not terms.known(term) and z3.is_app_of(term, z3.Z3_OP_ITE)
+
+
 def _of_the_branch(prover, conditions, term):
     """Of a choice at the top of a term, what the conditions leave."""
-    while not terms.known(term) and z3.is_app_of(term, z3.Z3_OP_ITE):
+    while _is_choice(term):
         test, yes, no = term.children()
         if _decided_at_once(prover, conditions, test):
             term = yes
@@ -103,10 +109,15 @@ def _follows_at_once(prover, assumed, wanted):
     return prover._check(assumed, terms.negation(wanted), quick=True)[0] == "unsat"
 
 
-def _equal_factors(prover, conditions, one, other):
-    """A claim from which the equality of two products follows; None where they are no products of
-    equally many numbers."""
+def _are_equal_products(prover, conditions, one, other, splits=_MOST_SPLITS):
+    """That two products are equal because their factors are, in each case that the choices at their
+    top leave. False also where they are no products of equally many numbers."""
     one, other = (_of_the_branch(prover, conditions, t) for t in (one, other))
+    test = next((t.arg(0) for t in (one, other) if _is_choice(t)), None)
+    if test is not None:
+        return splits > 0 and all(
+            _are_equal_products(prover, [*conditions, assumed], one, other, splits - 1)
+            for assumed in (test, z3.Not(test)))
     (number, ours), (their_number, theirs) = _factors(one), _factors(other)
     for factor in list(ours):
         match = next((t for t in theirs if t.eq(factor)), None)
@@ -114,8 +125,8 @@ def _equal_factors(prover, conditions, one, other):
             ours.remove(factor)
             theirs.remove(match)
     if number != their_number or len(ours) != 1 or len(theirs) != 1:
-        return None
-    return ours[0] == theirs[0]
+        return False
+    return _shown_opaque(prover, conditions, ours[0] == theirs[0])
 
 
 def _message_claim(messages, expected):
@@ -175,11 +186,10 @@ def show_path(proof, case, run, answer, outputs, messages):
                 show(proof, case, f"{name} means something", run.conditions, False, where, answer)
                 continue
             same = terms.compare("eq", run.outputs[name], value, 32)
-            enough = None
-            if name in ("aligned_row_bytes", "minimal_row_bytes"):
-                enough = _equal_factors(proof.prover, run.conditions, run.outputs[name], value)
+            products = ((run.outputs[name], value)
+                        if name in ("aligned_row_bytes", "minimal_row_bytes") else None)
             show(proof, case, f"{name} is stored and as required", run.conditions,
-                 z3.And(written, terms.truth(same)), where, answer, enough)
+                 z3.And(written, terms.truth(same)), where, answer, products)
         else:
             show(proof, case, f"{name} is left as it is where the rules leave it", run.conditions,
                  z3.Not(written), where, answer)

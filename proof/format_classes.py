@@ -4,17 +4,12 @@ The rules say the same of all formats of a class. The library is asked about a c
 format is an unknown number of it.
 """
 
-import sys
 from dataclasses import dataclass, replace
-from pathlib import Path
 
 import z3
 
+import formats
 from executor.finite import Finite, Unlisted
-
-sys.path.insert(0, str(Path(__file__).resolve().parent / "requirements"))
-
-import formats  # noqa: E402
 
 FORMAT = z3.BitVec("format", 32)
 PLANE = z3.BitVec("plane", 32)

@@ -20,6 +20,7 @@ import theorem
 from executor.prover import Prover
 
 HERE = Path(__file__).resolve().parent
+sys.path.insert(0, str(HERE / "requirements"))  # for the theorems
 
 
 def names():

@@ -120,9 +120,12 @@ def one_plane(proof, placement, all_levels):
                 at = word(where, offset) + word(where, size)
                 sums.append(z3.ULE(word(where, offset), at))
         base = z3.ZeroExt(48, unknown("base_alignment", 16))
-        proof.show("the slice pitch holds the chain", [*known, *sane, z3.ULE(start, at),
-                                                       no_wrap(at - start, base)],
-                   z3.ULE(at - start, slice_))
+        proof.show("the slice pitch is the chain's bytes, rounded up", known,
+                   slice_ == rounded_up(at - start, base, 64))
+        chain = unknown("bytes of the chain", 64)  # any, in the place of at - start
+        proof.show("the slice pitch holds the chain", [
+            power_of_two(unknown("base_alignment", 16)), no_wrap(chain, base),
+            slice_ == rounded_up(chain, base, 64)], z3.ULE(chain, slice_))
         proof.show("the next plane is placed behind all slices", [*known, *relations_end(relations)],
                    relations.end == start + whole)
         proof.find(f"a chain of {levels} levels", [*known, *sane, *counted, *sums,

@@ -79,7 +79,10 @@ TEST(ShowPictures, AreWrittenBeforeWarnings) {
 
 TEST(ShowPictures, NeedAPictureForForce) {
   const std::string reason = reason_of_refusal(run_tool_with(show_with({"--force"})));
-  EXPECT_EQ(reason, "--force counts only beside --blob, --svg or --html");
+  EXPECT_EQ(
+      reason,
+      "--force counts only beside --blob, --svg or --html; write for example --blob surface.blob "
+      "--force");
 }
 
 // 16384 x 16384 elements of 16 bytes wrap to 0 bytes.

@@ -4,9 +4,12 @@
 #include <sstream>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "tools/command/check_command.h"
 #include "tools/command/chips_command.h"
+#include "tools/command/commands_of.h"
+#include "tools/command/completions.h"
 #include "tools/command/diff_command.h"
 #include "tools/command/dump_command.h"
 #include "tools/command/exit_codes.h"
@@ -14,6 +17,7 @@
 #include "tools/command/fit_command.h"
 #include "tools/command/formats_command.h"
 #include "tools/command/guess_command.h"
+#include "tools/command/manual_page.h"
 #include "tools/command/parse_refusal.h"
 #include "tools/command/request_arguments.h"
 #include "tools/command/show_command.h"
@@ -138,7 +142,7 @@ CLI::App* add_table(CLI::App& program, TableOptions& options) {
   CLI::App* const command =
       program.add_subcommand("table", "Say what many surfaces cost, one in each row");
   add_chip(*command, options.chip, options.unknown_chip,
-           "Chips; all-families for one of each, all for every chip; default 0x43010000");
+           "Chips; all-families for one of each, all for every chip; default 0x43010000", "CHIPS");
   command->add_option("--format", options.format, "Format numbers, names and ranges, or all")
       ->required()
       ->type_name("FORMATS");
@@ -172,8 +176,8 @@ CLI::App* add_diff(CLI::App& program, DiffOptions& options) {
   add_text(*command, "--b", options.b, "Options of the second layout alone, in quotes")
       ->type_name("OPTIONS");
   add_request(*command, options.common, Needs::nothing);
-  add_text(*command, "--kind", options.kind, "resource or surface; default by the file's size")
-      ->type_name("KIND");
+  add_text(*command, "--kind", options.kind, "What a file holds; default by its size")
+      ->type_name("resource|surface");
   command->add_flag("--json", options.json, "JSON instead of text");
   command->footer(kDiffExamples);
   return command;
@@ -204,7 +208,7 @@ CLI::App* add_guess(CLI::App& program, GuessOptions& options) {
       ->type_name("FORMATS");
   add_text(*command, "--size", options.size, "Texels, and slices or depth; sides may be ranges")
       ->type_name("WxH[xD],...");
-  add_chip(*command, options.chip, options.unknown_chip, "Chips; default all");
+  add_chip(*command, options.chip, options.unknown_chip, "Chips; default all", "CHIPS");
   add_text(*command, "--samples", options.samples, "Default 1, with --size 1,2,4,8")
       ->type_name("LIST");
   add_text(*command, "--levels", options.levels, "Default none, with --size full too")
@@ -236,8 +240,8 @@ CLI::App* add_check(CLI::App& program, CheckOptions& options) {
                    "Blob or bare record: bytes, hex or base64; - for standard input")
       ->required()
       ->type_name("");
-  add_text(*command, "--kind", options.kind, "resource or surface; default by the file's size")
-      ->type_name("KIND");
+  add_text(*command, "--kind", options.kind, "What a file holds; default by its size")
+      ->type_name("resource|surface");
   add_chip(*command, options.chip, options.unknown_chip,
            "Chip that the record must be made for; default the one that it names");
   command->add_flag("--json", options.json, "JSON instead of a line");
@@ -258,9 +262,15 @@ CLI::App* add_dump(CLI::App& program, DumpOptions& options) {
                    "Blob or bare record: bytes, hex or base64; - for standard input")
       ->required()
       ->type_name("");
-  add_text(*command, "--kind", options.kind, "resource or surface; default by the file's size")
-      ->type_name("KIND");
+  add_text(*command, "--kind", options.kind, "What a file holds; default by its size")
+      ->type_name("resource|surface");
   command->add_flag("--all", options.all, "Also every field that is not in use");
+  return command;
+}
+
+CLI::App* add_manual(CLI::App& program) {
+  CLI::App* const command = program.add_subcommand("manual", "Print the manual page for man");
+  command->footer("Example:\n  korvel-layout manual | man -l -");
   return command;
 }
 
@@ -277,7 +287,11 @@ std::string help_text(const CLI::App& program, const CLI::Success& success) {
 std::string asked_help(const CLI::App& program, int argc, char** argv) {
   if (argc <= 2) return program.help();
   const std::string_view asked = argv[2];
-  for (const CLI::App* command : program.get_subcommands([](const CLI::App*) { return true; })) {
+  if (argc > 3) {
+    refuse("{} is one word too many; help says more of one command, for example {} help show",
+           in_quotes(argv[3]), program.get_name());
+  }
+  for (const CLI::App* command : commands_of(program)) {
     if (command->get_name() == asked) return command->help(program.get_name());
   }
   throw BadInput(unknown_command(program, asked));
@@ -285,6 +299,11 @@ std::string asked_help(const CLI::App& program, int argc, char** argv) {
 
 bool asks_for_help(int argc, char** argv) {
   return argc <= 1 || std::string_view(argv[1]) == "help";
+}
+
+// `complete WORD...`, by which the completions of shells ask. No help names it.
+bool asks_for_completions(int argc, char** argv) {
+  return argc > 1 && std::string_view(argv[1]) == "complete";
 }
 
 }  // namespace
@@ -314,9 +333,14 @@ int run_command_line(int argc, char** argv) {
   const CLI::App* const formats_command = add_formats(program, formats_options);
   const CLI::App* const check_command = add_check(program, check_options);
   const CLI::App* const dump_command = add_dump(program, dump_options);
+  const CLI::App* const manual_command = add_manual(program);
   program.footer(kExamples);  // commands take over the footer that is set before them
   if (asks_for_help(argc, argv)) {
     print_data(asked_help(program, argc, argv));
+    return kExitDone;
+  }
+  if (asks_for_completions(argc, argv)) {
+    print_data(completion_lines(program, std::vector<std::string>(argv + 2, argv + argc)));
     return kExitDone;
   }
   try {
@@ -326,6 +350,11 @@ int run_command_line(int argc, char** argv) {
     return kExitDone;
   } catch (const CLI::ParseError& error) {
     throw BadInput(parse_refusal(program, error, argv[1]));
+  }
+  for (const CLI::App* command : program.get_subcommands()) {
+    if (const std::string swallowed = swallowed_option(*command); !swallowed.empty()) {
+      throw BadInput(swallowed);
+    }
   }
   if (show_command->parsed()) return show(show_options);
   if (explain_command->parsed()) return explain(explain_options);
@@ -337,6 +366,10 @@ int run_command_line(int argc, char** argv) {
   if (formats_command->parsed()) return list_formats(formats_options);
   if (check_command->parsed()) return check(check_options);
   if (dump_command->parsed()) return dump(dump_options);
+  if (manual_command->parsed()) {
+    print_data(manual_page(program, day_of_manual()));
+    return kExitDone;
+  }
   refuse("no command given; korvel-layout --help lists them");
 }
 

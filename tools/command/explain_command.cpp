@@ -23,7 +23,8 @@ namespace {
 [[noreturn]] void refuse_field(const std::string& field, const std::vector<FieldValue>& fields) {
   for (const FieldValue& known : fields) {
     if (word_of_field(known.field) == word_of_field(field)) {
-      refuse("--field: this layout has no {}, but it has {}", in_quotes(field), known.field);
+      refuse("--field: this layout has no {}, but it has {}; write for example --field {}",
+             in_quotes(field), known.field, known.field);
     }
   }
   std::string names;
@@ -33,7 +34,7 @@ namespace {
   }
   names.pop_back();
   refuse(
-      "--field: this layout has no {}; write level[0].plane[0].image_pitch, level[0].size or "
+      "--field: this layout has no {}; write for example level[0].plane[0].image_pitch, level[0].size or "
       "total_size; there are{}",
       in_quotes(field), names);
 }

@@ -18,11 +18,12 @@ namespace tool {
 namespace {
 
 std::vector<ForeignPlane> planes_of(const FitOptions& options) {
-  if (options.layout && !options.planes.empty()) refuse("--plane and --layout exclude each other");
+  if (options.layout && !options.planes.empty())
+    refuse("--plane and --layout exclude each other; leave one of them out");
   if (options.layout) return read_foreign_planes(*options.layout);
   if (options.planes.empty()) {
     refuse(
-        "a layout to look at is missing; write for example --plane "
+        "fit: a layout to look at is missing; write for example --plane "
         "pitch=7680,height=1080,offset=0,size=8294400, once for each plane");
   }
   std::vector<ForeignPlane> planes;
@@ -31,14 +32,15 @@ std::vector<ForeignPlane> planes_of(const FitOptions& options) {
 }
 
 void check(const Chip& chip, const SurfaceRequest& request, std::size_t given_planes) {
-  if (request.levels) refuse("--levels: fit looks at surfaces of one level");
-  if ((request.flags & LAYOUT_FLAG_EXTRA) != 0) refuse("--extra: fit looks at planes alone");
+  if (request.levels) refuse("--levels: fit looks at surfaces of one level; leave --levels out");
+  if ((request.flags & LAYOUT_FLAG_EXTRA) != 0)
+    refuse("--extra: fit looks at planes alone; leave --extra out");
   std::string refusal = refused_request(request);
   if (refusal.empty()) refusal = forecast_fault(chip.row, request);
   if (!refusal.empty()) throw BadInput(refusal);
   if (given_planes != request.planes) {
-    refuse("{} of a layout for {} of {}; give a --plane for each", counted(given_planes, "plane"),
-           request.planes, format_label(request.format));
+    refuse("{} of a layout for {} of {}; describe each, for example with --plane pitch=7680",
+           counted(given_planes, "plane"), request.planes, format_label(request.format));
   }
 }
 

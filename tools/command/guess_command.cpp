@@ -12,6 +12,8 @@
 namespace tool {
 namespace {
 
+constexpr const char kAllSamples[] = "1,2,4,8";
+
 uint64_t asked_bytes(const std::string& text) {
   const std::optional<uint64_t> bytes = long_number_of(text);
   if (!bytes || *bytes == 0) {
@@ -26,8 +28,8 @@ RequestLists lists_of(const GuessOptions& options) {
   lists.chips = parse_chips(options.chip.value_or("all"), options.unknown_chip);
   lists.formats = parse_formats(options.format.value_or("all"));
   lists.sizes = options.size ? parse_sizes(*options.size) : usual_sizes();
-  lists.samples =
-      parse_numbers("--samples", options.samples.value_or(options.size ? "1,2,4,8" : "1"), 1, 8);
+  lists.samples = parse_numbers(
+      "--samples", options.samples.value_or(options.size ? kAllSamples : "1"), {1, 8}, kAllSamples);
   lists.levels = parse_levels(options.levels.value_or(options.size ? "none,full" : "none"));
   lists.linear = Choice::both;
   lists.ubwc = Choice::both;

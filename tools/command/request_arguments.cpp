@@ -1,5 +1,6 @@
 #include "tools/command/request_arguments.h"
 
+#include "tools/command/parse_refusal.h"
 #include "tools/request/bad_input.h"
 
 namespace tool {
@@ -11,10 +12,13 @@ CLI::Option* add_text(CLI::App& command, const char* name, std::optional<std::st
 }
 
 void add_chip(CLI::App& command, std::optional<std::string>& chip, bool& unknown_chip,
-              const char* description) {
-  add_text(command, "--chip", chip, description)->type_name("CHIP");
-  command.add_flag("--unknown-chip", unknown_chip,
-                   "With --chip: an id that is not known, as it is");
+              const char* description, const char* type_name) {
+  CLI::Option* const option = add_text(command, "--chip", chip, description);
+  option->type_name(type_name);
+  command
+      .add_flag("--unknown-chip", unknown_chip, "With --chip: an id that is not known, as it is")
+      ->needs(option)
+      ->option_text(" ");  // what it needs stands in its description
 }
 
 void add_request(CLI::App& command, RequestOptions& options, Needs needs) {
@@ -26,8 +30,9 @@ void add_request(CLI::App& command, RequestOptions& options, Needs needs) {
   command.add_option("--size", options.size, "Texels, and slices or depth")
       ->required(needs == Needs::format_and_size)
       ->type_name("WxH[xD]");
-  add_text(command, "--samples", options.samples, "1, 2, 4 or 8; default 1")->type_name("N");
-  add_text(command, "--planes", options.planes, "0 to 3; default the format's own")->type_name("N");
+  add_text(command, "--samples", options.samples, "Samples of a texel; default 1")
+      ->type_name("1|2|4|8");
+  add_text(command, "--planes", options.planes, "Default the format's own")->type_name("0|1|2|3");
   add_text(command, "--levels", options.levels, "Lay out a mip chain of 1 to 15 levels")
       ->type_name("N");
   command.add_flag("--linear", options.linear, "Linear instead of tiled");
@@ -36,8 +41,8 @@ void add_request(CLI::App& command, RequestOptions& options, Needs needs) {
   command.add_flag("--extended", options.extended, "With --extra: the chip's extra padding");
 }
 
-RequestOptions parse_request_text(const char* option, const std::string& text,
-                                  const RequestOptions& common) {
+RequestOptions parse_request_text(std::string_view command_text, const char* option,
+                                  const std::string& text, const RequestOptions& common) {
   RequestOptions options = common;
   CLI::App side;
   side.set_help_flag();  // the text is no command
@@ -45,13 +50,15 @@ RequestOptions parse_request_text(const char* option, const std::string& text,
   try {
     side.parse(text);
   } catch (const CLI::ParseError& error) {
-    refuse("{}: {}; write for example {} '--format nv12 --size 1920x1080 --linear'", option,
-           error.what(), option);
+    refuse("{}: {}", option, option_refusal(side, error, command_text));
   }
   for (const auto& [name, value] :
        {std::pair("--format", &options.format), std::pair("--size", &options.size)}) {
     if (value->empty()) {
-      refuse("{}: {} is missing; it may stand here or, for both sides, outside", option, name);
+      refuse(
+          "{}: {} is missing; it may stand here or, for both sides, outside, for example {} "
+          "'--format nv12 --size 1920x1080'",
+          option, name, option);
     }
   }
   return options;

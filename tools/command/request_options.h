@@ -22,6 +22,9 @@ struct RequestOptions {
   bool extended = false;
 };
 
+// Throws BadInput for --extended without --extra.
+void refuse_extended_alone(bool extended, bool extra);
+
 // Throws BadInput.
 SurfaceRequest request_of(const RequestOptions& options);
 

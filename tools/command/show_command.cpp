@@ -24,12 +24,39 @@ std::string json_text(const Chip& chip, const SurfaceRequest& request, const Lay
   return json.dump(2) + "\n";
 }
 
+// Standard output holds one thing.
+void refuse_shared_output(const ShowOptions& options) {
+  struct Output {
+    bool is_asked;
+    std::string_view what;
+    std::string_view elsewhere;
+  };
+  const Output outputs[] = {
+      {options.json, "--json", ""},
+      {options.blob == kStandardOutput, "--blob -", "--blob surface.blob"},
+      {options.svg == kStandardOutput, "--svg -", "--svg picture.svg"},
+      {options.html == kStandardOutput, "--html -", "--html picture.html"},
+  };
+  const Output* first = nullptr;
+  for (const Output& output : outputs) {
+    if (!output.is_asked) continue;
+    if (first != nullptr) {
+      refuse("{} and {} both want standard output; write {}", first->what, output.what,
+             output.elsewhere);
+    }
+    first = &output;
+  }
+}
+
 }  // namespace
 
 int show(const ShowOptions& options) {
   if (options.force && !options.blob && !options.svg && !options.html) {
-    refuse("--force counts only beside --blob, --svg or --html");
+    refuse(
+        "--force counts only beside --blob, --svg or --html; write for example --blob surface.blob "
+        "--force");
   }
+  refuse_shared_output(options);
   const bool picture_alone = prints_picture(options);
   const SurfaceRequest request = request_of(options.request);
   const Chip chip = simulate_chip(options.request.chip, options.request.unknown_chip);
@@ -41,7 +68,6 @@ int show(const ShowOptions& options) {
   }
   write_pictures(options, chip, request, blob, warnings);
   print_warnings(warnings);
-  // Standard output holds one thing.
   if (!picture_alone && options.blob != kStandardOutput) {
     print_data(options.json ? json_text(chip, request, blob, warnings)
                             : layout_text(chip, request, blob));

@@ -9,18 +9,13 @@
 #include "tools/picture/page.h"
 #include "tools/picture/scene.h"
 #include "tools/picture/svg_text.h"
-#include "tools/request/bad_input.h"
 
 namespace tool {
 namespace {
 
-bool is_standard_output(const std::optional<std::string>& path) {
-  return path == "-";
-}
-
 void write_text(std::string_view option, const std::string& path, const std::string& text,
                 bool replace) {
-  if (path == "-") {
+  if (path == kStandardOutput) {
     print_data(text);
   } else {
     write_file(option, path, std::as_bytes(std::span(text)), replace);
@@ -30,16 +25,7 @@ void write_text(std::string_view option, const std::string& path, const std::str
 }  // namespace
 
 bool prints_picture(const ShowOptions& options) {
-  const bool svg = is_standard_output(options.svg);
-  const bool html = is_standard_output(options.html);
-  if (svg && html) {
-    refuse("--svg - and --html - both want standard output; write --html picture.html");
-  }
-  if (options.json && (svg || html)) {
-    refuse("--json and {} - both want standard output; write {} picture{}",
-           svg ? "--svg" : "--html", svg ? "--svg" : "--html", svg ? ".svg" : ".html");
-  }
-  return svg || html;
+  return options.svg == kStandardOutput || options.html == kStandardOutput;
 }
 
 void write_pictures(const ShowOptions& options, const Chip& chip, const SurfaceRequest& request,

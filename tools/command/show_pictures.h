@@ -11,8 +11,7 @@
 
 namespace tool {
 
-// A picture takes the place of the tables on standard output. Throws BadInput for options that want
-// standard output for more than one thing.
+// A picture takes the place of the tables on standard output.
 bool prints_picture(const ShowOptions& options);
 
 // Writes the pictures that the options ask for. Throws BadInput.

@@ -3,6 +3,7 @@
 #include <fmt/ranges.h>
 
 #include "tools/command/exit_codes.h"
+#include "tools/command/request_options.h"
 #include "tools/comparison/cost_table.h"
 #include "tools/output/cost_table_output.h"
 #include "tools/output/progress_line.h"
@@ -23,13 +24,14 @@ Choice choice_of(std::string_view option, const std::optional<std::string>& text
 }
 
 RequestLists lists_of(const TableOptions& options) {
-  if (options.extended && !options.extra) refuse("--extended counts only beside --extra");
+  refuse_extended_alone(options.extended, options.extra);
   RequestLists lists;
   lists.chips = options.chip ? parse_chips(*options.chip, options.unknown_chip)
                              : std::vector<Chip>{default_chip()};
   lists.formats = parse_formats(options.format);
   lists.sizes = parse_sizes(options.size);
-  if (options.samples) lists.samples = parse_numbers("--samples", *options.samples, 1, 8);
+  if (options.samples)
+    lists.samples = parse_numbers("--samples", *options.samples, {1, 8}, "1,2,4,8");
   if (options.levels) lists.levels = parse_levels(*options.levels);
   lists.linear = choice_of("--linear", options.linear);
   lists.ubwc = choice_of("--ubwc", options.ubwc);
@@ -51,19 +53,21 @@ std::vector<CostRow> rows_of(const std::vector<ChipRequest>& requests) {
 
 void sort(std::vector<CostRow>& rows, const TableOptions& options) {
   if (!options.sort) {
-    if (options.reverse) refuse("--reverse counts only beside --sort");
+    if (options.reverse)
+      refuse("--reverse counts only beside --sort; write for example --sort padding --reverse");
     return;
   }
   const CostOrder order = options.reverse ? CostOrder::descending : CostOrder::ascending;
   if (sort_rows(rows, *options.sort, order)) return;
-  refuse("--sort: there is no column {}; there are {}", in_quotes(*options.sort),
-         fmt::join(cost_columns(), ", "));
+  refuse("--sort: there is no column {}; there are {}; write for example --sort padding",
+         in_quotes(*options.sort), fmt::join(cost_columns(), ", "));
 }
 
 }  // namespace
 
 int table(const TableOptions& options) {
-  if (options.csv && options.json) refuse("--csv and --json exclude each other");
+  if (options.csv && options.json)
+    refuse("--csv and --json exclude each other; leave one of them out");
   std::vector<CostRow> rows = rows_of(all_requests(lists_of(options)));
   sort(rows, options);
   const std::vector<std::string> warnings = cost_table_warnings(rows);

@@ -19,7 +19,8 @@ namespace {
 constexpr mode_t kOrdinaryMode = 0666;  // the user's mask takes its bits away
 
 [[noreturn]] void refuse_write(std::string_view option, const std::string& path, int error) {
-  refuse("{}: cannot write {}: {}", option, in_quotes(path), error_text(error));
+  refuse("{}: cannot write {}: {}; write to another path, or to - for standard output", option,
+         in_quotes(path), error_text(error));
 }
 
 // Returns the error of the first call that failed, 0 when all bytes are written.
@@ -47,7 +48,8 @@ int create(const std::string& path) {
 void write_new(std::string_view option, const std::string& path, std::span<const std::byte> bytes) {
   const int file = create(path);
   if (file < 0 && errno == EEXIST) {
-    refuse("{}: {} exists already; --force replaces it", option, in_quotes(path));
+    refuse("{}: {} exists already; write to another path, or replace it with --force", option,
+           in_quotes(path));
   }
   if (file < 0) refuse_write(option, path, errno);
   if (const int error = write_and_close(file, bytes); error != 0) {

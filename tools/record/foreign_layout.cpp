@@ -1,5 +1,7 @@
 #include "tools/record/foreign_layout.h"
 
+#include <algorithm>
+#include <iterator>
 #include <nlohmann/json.hpp>
 #include <string_view>
 
@@ -17,24 +19,49 @@ using Json = nlohmann::json;
 
 constexpr std::size_t kLongestLayoutFile = 1 << 20;
 
+constexpr const char kPlaneExample[] = "--plane pitch=7680,height=1080,offset=0,size=8294400";
+constexpr const char kJsonExample[] = R"({"plane": [{"image_pitch": 7680}]})";
+
+std::string did_you_mean(std::string_view text, const std::vector<std::string_view>& names) {
+  const std::optional<std::string_view> likely = likely_name(text, names);
+  return likely ? fmt::format("; did you mean {}? Write", *likely) : std::string("; write");
+}
+
 const NumberName& name_of(std::string_view text) {
   std::vector<std::string_view> names;
   for (const NumberName& known : foreign_plane_names()) {
     if (text == known.name) return known;
     names.emplace_back(known.name);
   }
-  refuse("--plane: {} is no number of a plane; did you mean {}? Write for example {}",
-         in_quotes(text), closest_name(text, names),
-         "--plane pitch=7680,height=1080,offset=0,size=8294400");
+  refuse("--plane: {} is no number of a plane{} for example {}", in_quotes(text),
+         did_you_mean(text, names), kPlaneExample);
+}
+
+// What show prints of a plane beside the numbers that count here.
+constexpr std::string_view kFurtherNames[] = {"image_element_size", "image_width", "flag_valid",
+                                              "flag_slice_pitch"};
+
+void check_name(const std::string& name, const std::string& path) {
+  std::vector<std::string_view> names;
+  for (const NumberName& known : foreign_plane_names()) names.emplace_back(known.field_name);
+  const auto knows = [&name](const auto& list) {
+    return std::find(std::begin(list), std::end(list), name) != std::end(list);
+  };
+  if (knows(names) || knows(kFurtherNames)) return;
+  refuse("{}: {} is no number of a plane{} for example {}", in_quotes(path), in_quotes(name),
+         did_you_mean(name, names), kJsonExample);
 }
 
 ForeignPlane plane_of(const Json& json, const std::string& path) {
+  for (const auto& [name, value] : json.items()) check_name(name, path);
   ForeignPlane plane;
   for (const NumberName& known : foreign_plane_names()) {
     const auto found = json.find(known.field_name);
     if (found == json.end() || found->is_null()) continue;
     if (!found->is_number_unsigned()) {
-      refuse("{}: {} is no number from 0 on", in_quotes(path), known.field_name);
+      refuse("{}: {} is no number from 0 on, but {}; write for example {}", in_quotes(path),
+             known.field_name,
+             in_quotes(found->dump(-1, ' ', false, Json::error_handler_t::replace)), kJsonExample);
     }
     plane.*known.member = found->get<uint64_t>();
   }
@@ -59,13 +86,17 @@ const Json* planes_in(const Json& json) {
 
 ForeignPlane parse_foreign_plane(const std::string& text) {
   ForeignPlane plane;
-  for_each_item(text, [&plane](std::string_view item) {
+  for_each_item(text, [&](std::string_view item) {
     const std::size_t equals = item.find('=');
     const NumberName& name = name_of(item.substr(0, equals));
     const std::optional<uint64_t> number =
         equals == std::string_view::npos ? std::nullopt : long_number_of(item.substr(equals + 1));
     if (!number) {
       refuse("--plane: {} has no number; write for example {}=7680", in_quotes(item), name.name);
+    }
+    if (plane.*name.member) {
+      refuse("--plane: {} stands there twice in {}; write for example {}", name.name,
+             in_quotes(text), kPlaneExample);
     }
     plane.*name.member = number;
   });
@@ -80,14 +111,17 @@ std::vector<ForeignPlane> read_foreign_planes(const std::string& path) {
   const Json json = Json::parse(bytes.begin(), bytes.end(), nullptr, false);
   const Json* const planes = json.is_discarded() ? nullptr : planes_in(json);
   if (planes == nullptr) {
-    refuse(R"({} is no JSON with planes; write for example {{"plane": [{{"image_pitch": 7680}}]}})",
-           in_quotes(path));
+    refuse("{} is no JSON with planes; write for example {}", in_quotes(path), kJsonExample);
   }
   std::vector<ForeignPlane> found;
   for (const Json& plane : *planes) {
-    if (!plane.is_object()) refuse("{}: a plane is an object of numbers", in_quotes(path));
+    if (!plane.is_object()) {
+      refuse("{}: a plane is an object of numbers; write for example {}", in_quotes(path),
+             kJsonExample);
+    }
     if (found.size() == KORVEL_MAX_PLANES) {
-      refuse("{}: a surface has at most {} planes", in_quotes(path), KORVEL_MAX_PLANES);
+      refuse("{}: a surface has at most {} planes, and {} stand there; leave the others out",
+             in_quotes(path), KORVEL_MAX_PLANES, planes->size());
     }
     found.push_back(plane_of(plane, path));
   }

@@ -12,6 +12,11 @@
 namespace tool {
 namespace {
 
+[[noreturn]] void refuse_read(const char* what, const std::string& path, int error) {
+  refuse("cannot {} {}: {}; write the path of a file, or - for standard input", what,
+         in_quotes(path), error_text(error));
+}
+
 class OpenFile {
  public:
   explicit OpenFile(const std::string& path)
@@ -37,13 +42,13 @@ class OpenFile {
 
 std::vector<unsigned char> read_file(const std::string& path, std::size_t limit) {
   const OpenFile file(path);
-  if (!file.is_open()) refuse("cannot open {}: {}", in_quotes(path), error_text(errno));
+  if (!file.is_open()) refuse_read("open", path, errno);
   std::vector<unsigned char> bytes(limit + 1);
   std::size_t size = 0;
   while (size < bytes.size()) {
     const ssize_t got = file.read_into(bytes.data() + size, bytes.size() - size);
     if (got < 0 && errno == EINTR) continue;
-    if (got < 0) refuse("cannot read {}: {}", in_quotes(path), error_text(errno));
+    if (got < 0) refuse_read("read", path, errno);
     if (got == 0) break;
     size += static_cast<std::size_t>(got);
   }

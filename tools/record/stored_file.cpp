@@ -1,5 +1,6 @@
 #include "tools/record/stored_file.h"
 
+#include <algorithm>
 #include <cstring>
 #include <utility>
 
@@ -41,11 +42,25 @@ std::optional<RecordKind> kind_option(const std::optional<std::string>& kind) {
   if (!kind) return std::nullopt;
   if (*kind == "resource") return RecordKind::resource;
   if (*kind == "surface") return RecordKind::surface;
-  refuse("--kind: {} is neither resource nor surface", in_quotes(*kind));
+  refuse("--kind: {} is neither resource nor surface; write for example --kind resource",
+         in_quotes(*kind));
 }
 
-[[noreturn]] void refuse_size(const std::string& path, std::size_t size, std::string_view sizes) {
-  refuse("{} holds {}, which fits no record: {}", in_quotes(path), size_text(size), sizes);
+// The way to a file that is a record.
+constexpr const char kNextStep[] = "korvel-layout show --blob FILE writes one";
+constexpr const char kWithoutKind[] = "leave --kind out, and the size decides";
+
+[[noreturn]] void refuse_size(const std::string& path, std::size_t size, std::string_view sizes,
+                              std::string_view next_step = kNextStep) {
+  refuse("{} holds {}, which fits no record: {}; {}", in_quotes(path), size_text(size), sizes,
+         next_step);
+}
+
+// Texts stand for bytes, so that their own number says nothing.
+bool is_text(std::span<const unsigned char> bytes) {
+  return !bytes.empty() && std::all_of(bytes.begin(), bytes.end(), [](unsigned char c) {
+    return (c >= 0x20 && c < 0x7F) || c == '\n' || c == '\r' || c == '\t';
+  });
 }
 
 bool is_record_size(std::size_t size) {
@@ -71,8 +86,15 @@ StoredFile::StoredFile(const std::string& path, const std::optional<std::string>
   const bool resource = is_resource_size(size) && asked != RecordKind::surface;
   const bool surface = is_surface_size(size) && asked != RecordKind::resource;
   if (!resource && !surface) {
-    if (asked == RecordKind::surface) refuse_size(path, size, kSurfaceSizes);
-    if (asked == RecordKind::resource || starts_like_a_blob(bytes_)) {
+    if (is_text(bytes_)) {
+      refuse(
+          "{} holds text that in hex or base64 fits no record, and may be cut off or mistyped: {}; "
+          "{}; {}",
+          in_quotes(path), kResourceSizes, kSurfaceSizes, kNextStep);
+    }
+    if (asked == RecordKind::surface) refuse_size(path, size, kSurfaceSizes, kWithoutKind);
+    if (asked == RecordKind::resource) refuse_size(path, size, kResourceSizes, kWithoutKind);
+    if (starts_like_a_blob(bytes_)) {
       refuse_size(path, size, kResourceSizes);
     }
     refuse_size(path, size, fmt::format("{}; {}", kResourceSizes, kSurfaceSizes));
@@ -80,8 +102,8 @@ StoredFile::StoredFile(const std::string& path, const std::optional<std::string>
   kind_ = surface ? RecordKind::surface : RecordKind::resource;
   is_blob_ = size == KORVEL_BLOB_BYTES;
   if (resource && !is_blob_ && starts_like_a_blob(bytes_)) {
-    refuse("{} starts like a blob but holds {} instead of {}", in_quotes(path), size_text(size),
-           KORVEL_BLOB_BYTES);
+    refuse("{} starts like a blob but holds {} instead of {}, as if cut off; {}", in_quotes(path),
+           size_text(size), KORVEL_BLOB_BYTES, kNextStep);
   }
 }
 

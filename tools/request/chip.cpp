@@ -49,14 +49,16 @@ std::string id_text(uint32_t chip_id) {
   return fmt::format("0x{:08X}", chip_id);
 }
 
-std::string_view closest_id(std::string_view text) {
+// "the closest id is 0x43010000; ", or nothing where none is near.
+std::string closest_id(std::string_view text) {
   static const std::vector<std::string> texts = [] {
     std::vector<std::string> ids;
     for (const korvel::ChipRow& row : known_rows()) ids.push_back(id_text(row.chip_id));
     return ids;
   }();
   const std::vector<std::string_view> names(texts.begin(), texts.end());
-  return closest_name(text, names);
+  const std::optional<std::string_view> likely = likely_name(text, names);
+  return likely ? fmt::format("the closest id is {}; ", *likely) : std::string();
 }
 
 // All chips that the text may mean.
@@ -64,7 +66,10 @@ std::vector<Chip> chips_meant(std::string_view text, bool unknown_too) {
   if (text.starts_with(kFamilyPrefix)) {
     const std::optional<uint32_t> family = number_of(text.substr(kFamilyPrefix.size()));
     if (!family || *family < 5 || *family > 7) {
-      refuse("--chip: {} is no family; there are family-5, family-6 and family-7", in_quotes(text));
+      refuse(
+          "--chip: {} is no family; there are family-5, family-6 and family-7; write for example "
+          "--chip family-6",
+          in_quotes(text));
     }
     return {usual_chip(*family)};
   }
@@ -83,8 +88,8 @@ std::vector<Chip> chips_meant(std::string_view text, bool unknown_too) {
   if (!chips.empty()) return chips;
   if (unknown_too) return {chip};
   refuse(
-      "--chip: no chip has the id, model or revision {}; the closest id is {}; korvel-layout chips "
-      "lists all, and --unknown-chip lays out for one that is not known",
+      "--chip: no chip has the id, model or revision {}; {}korvel-layout chips lists all, and "
+      "--unknown-chip lays out for one that is not known",
       id_text(*number), closest_id(id_text(*number)));
 }
 
@@ -115,7 +120,8 @@ Chip parse_chip(std::string_view text, bool unknown_too) {
   for (const Chip& chip : chips) {
     ids += (ids.empty() ? "" : ", ") + id_text(chip.chip_id);
   }
-  refuse("--chip: {} chips have {}; name one of them: {}", chips.size(), text, ids);
+  refuse("--chip: {} chips have {}; name one of them: {}; write for example --chip {}",
+         chips.size(), text, ids, id_text(chips.front().chip_id));
 }
 
 std::vector<Chip> parse_chips(std::string_view text, bool unknown_too) {

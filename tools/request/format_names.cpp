@@ -8,6 +8,7 @@
 #include <cstddef>
 #include <optional>
 
+#include "formats/format_table.h"
 #include "tools/output/standard_error.h"
 #include "tools/request/bad_input.h"
 #include "tools/request/format_aliases.h"
@@ -193,14 +194,20 @@ std::string upper_case(std::string_view text) {
   return upper;
 }
 
-std::string_view closest_format_name(std::string_view name) {
-  constexpr auto kNames = [] {
-    std::array<std::string_view, std::size(kFormatNames)> names{};
-    for (std::size_t i = 0; i < names.size(); ++i) names[i] = kFormatNames[i].name;
-    return names;
-  }();
-  return closest_name(name, kNames);
-}
+// Of names that are as likely, those that most surfaces have come first.
+constexpr auto kNamesByUse = [] {
+  std::array<FormatName, std::size(kFormatNames)> formats{};
+  std::copy(std::begin(kFormatNames), std::end(kFormatNames), formats.begin());
+  std::sort(formats.begin(), formats.end(), [](const FormatName& a, const FormatName& b) {
+    const bool a_is_unorm = a.name.ends_with("_UNORM");
+    if (a_is_unorm != b.name.ends_with("_UNORM")) return a_is_unorm;
+    if (a.name.size() != b.name.size()) return a.name.size() < b.name.size();
+    return a.format < b.format;
+  });
+  std::array<std::string_view, formats.size()> names{};
+  for (std::size_t i = 0; i < names.size(); ++i) names[i] = formats[i].name;
+  return names;
+}();
 
 std::optional<uint32_t> format_named(std::string_view name) {
   for (const FormatName& known : kFormatNames) {
@@ -235,20 +242,47 @@ std::string with_own_ending(std::string name) {
   return name;
 }
 
-std::optional<uint32_t> format_of_alias(std::string_view text, std::string name) {
+std::string without_alias_prefix(std::string name) {
   for (const std::string_view prefix : kAliasPrefixes) {
     if (name.starts_with(prefix)) name.erase(0, prefix.size());
   }
+  return name;
+}
+
+std::optional<uint32_t> format_of_alias(std::string_view text, const std::string& name) {
   const auto* const alias = std::find_if(std::begin(kFormatAliases), std::end(kFormatAliases),
                                          [&name](const FormatAlias& a) { return a.name == name; });
   if (alias == std::end(kFormatAliases)) return format_named(with_own_ending(name));
   if (alias->match == Match::same) return alias->format;
   refuse(
-      "--format: {} is no format here; {} is laid out alike, with other channels: write --format {}",
+      "--format: {} is no format here; {} is laid out alike, with other channels: write "
+      "--format {}",
       in_quotes(text), format_label(alias->format), alias->format);
 }
 
+[[noreturn]] void refuse_format_name(std::string_view text, std::string_view name) {
+  if (text.find(',') != std::string_view::npos) {
+    refuse(
+        "--format: {} is a list, and one format is allowed here, for example 28 or nv12; "
+        "korvel-layout table takes lists",
+        in_quotes(text));
+  }
+  if (const std::optional<std::string_view> likely = likely_name(name, kNamesByUse)) {
+    refuse(
+        "--format: {} is no known format name; the closest is {}; korvel-layout formats lists all",
+        in_quotes(text), *likely);
+  }
+  refuse("--format: {} is no known format name; {}", in_quotes(text), allowed_formats());
+}
+
 }  // namespace
+
+std::string allowed_formats() {
+  return fmt::format(
+      "formats are 1 to {} or have names, for example 28 or r8g8b8a8_unorm; korvel-layout formats "
+      "lists them",
+      korvel::kFormatCount - 1);
+}
 
 std::string_view format_name(uint32_t format) {
   for (const FormatName& known : kFormatNames) {
@@ -263,14 +297,17 @@ std::string format_label(uint32_t format) {
 }
 
 uint32_t parse_format(std::string_view text) {
-  if (is_written_as_number(text)) return number_option("--format", text);
+  if (is_written_as_number(text)) {
+    const std::optional<uint32_t> number = number_of(text);
+    if (!number) refuse("--format {}: {}", text, allowed_formats());
+    return *number;
+  }
   const std::string upper = upper_case(text);
   std::string_view name = upper;
   if (name.starts_with(kPrefix)) name.remove_prefix(kPrefix.size());
   if (const std::optional<uint32_t> format = format_named(name)) return *format;
-  if (const std::optional<uint32_t> format = format_of_alias(text, upper)) return *format;
-  refuse("--format: {} is no known format name; the closest is {}", in_quotes(text),
-         closest_format_name(name));
+  if (const auto format = format_of_alias(text, without_alias_prefix(upper))) return *format;
+  refuse_format_name(text, with_own_ending(without_alias_prefix(std::string(name))));
 }
 
 }  // namespace tool

@@ -52,11 +52,12 @@ bool is_written_as_number(std::string_view text) {
                      [&digits](char c) { return is_digit(c, digits.base); });
 }
 
-uint32_t number_option(std::string_view option, std::string_view text, NumberRange range) {
+uint32_t number_option(std::string_view option, std::string_view text,
+                       const AllowedNumbers& allowed) {
   const std::optional<uint32_t> number = number_of(text);
-  if (!number || *number < range.first || *number > range.last) {
-    refuse("{}: {} is not a number from {} to {}", option, in_quotes(text), range.first,
-           range.last);
+  if (!number || *number < allowed.range.first || *number > allowed.range.last) {
+    refuse("{}: {} is not {}; write for example {} {}", option, in_quotes(text), allowed.words,
+           option, allowed.example);
   }
   return *number;
 }

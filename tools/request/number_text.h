@@ -22,7 +22,15 @@ struct NumberRange {
   uint32_t last = std::numeric_limits<uint32_t>::max();
 };
 
+// What an option takes.
+struct AllowedNumbers {
+  std::string_view words;    // "a number from 1 to 15"
+  std::string_view example;  // "12"
+  NumberRange range = {};
+};
+
 // The value of an option. Throws BadInput, naming the option, for anything outside the range.
-uint32_t number_option(std::string_view option, std::string_view text, NumberRange range = {});
+uint32_t number_option(std::string_view option, std::string_view text,
+                       const AllowedNumbers& allowed);
 
 }  // namespace tool

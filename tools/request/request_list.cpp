@@ -6,6 +6,7 @@
 #include "formats/format_table.h"
 #include "tools/output/standard_error.h"
 #include "tools/request/bad_input.h"
+#include "tools/request/counted.h"
 #include "tools/request/format_names.h"
 #include "tools/request/number_text.h"
 #include "tools/request/text_list.h"
@@ -38,13 +39,14 @@ std::size_t count_of(const Range& range) {
   return (std::size_t{range.last} - range.first) / range.step + 1;
 }
 
-[[noreturn]] void refuse_count(std::string_view option) {
-  refuse("{}: more than {} at once; take a shorter range or a step, for example 64..1024:64",
-         option, kMostRequests);
+[[noreturn]] void refuse_count(std::string_view option, std::string_view text) {
+  refuse("{}: {} is more than {} at once; take a shorter range or a step, for example 64..1024:64",
+         option, in_quotes(text), kMostRequests);
 }
 
 std::vector<uint32_t> numbers_of(std::string_view option, const Range& range) {
-  if (count_of(range) > kMostRequests) refuse_count(option);
+  if (count_of(range) > kMostRequests)
+    refuse_count(option, fmt::format("{}..{}", range.first, range.last));
   std::vector<uint32_t> numbers;
   for (uint64_t number = range.first; number <= range.last; number += range.step) {
     numbers.push_back(static_cast<uint32_t>(number));
@@ -71,8 +73,8 @@ std::vector<uint32_t> used_formats() {
 
 [[noreturn]] void refuse_size(std::string_view item) {
   refuse(
-      "--size: {} is not WIDTHxHEIGHT or WIDTHxHEIGHTxDEPTH; write for example 1920x1080, "
-      "64x64x6 or 1900..1940:4x1080",
+      "--size: {} is not WIDTHxHEIGHT or WIDTHxHEIGHTxDEPTH with sides from 1 to 2147483647, each a "
+      "number or a range that goes up; write for example 1920x1080, 64x64x6 or 1900..1940:4x1080",
       in_quotes(item));
 }
 
@@ -90,7 +92,8 @@ std::vector<SurfaceSize> sizes_of(std::string_view item) {
   }
   if (sides.size() == 2) sides.push_back({1});
   if (sides.size() != 3) refuse_size(item);
-  if (sides[0].size() * sides[1].size() > kMostRequests / sides[2].size()) refuse_count("--size");
+  if (sides[0].size() * sides[1].size() > kMostRequests / sides[2].size())
+    refuse_count("--size", item);
   std::vector<SurfaceSize> sizes;
   for (const uint32_t width : sides[0]) {
     for (const uint32_t height : sides[1]) {
@@ -115,14 +118,15 @@ uint64_t flags_of(const RequestLists& lists, bool ubwc) {
 }  // namespace
 
 std::vector<uint32_t> parse_numbers(std::string_view option, std::string_view text,
-                                    uint32_t first_allowed, uint32_t last_allowed) {
+                                    NumberRange allowed, std::string_view example) {
   std::vector<uint32_t> numbers;
   for_each_item(text, [&](std::string_view item) {
     const std::optional<Range> range = range_of(item);
-    if (!range || range->first < first_allowed || range->last > last_allowed) {
-      refuse("{}: {} is neither a number from {} to {} nor a range such as {}..{}", option,
-             in_quotes(item), first_allowed, last_allowed, first_allowed,
-             std::min(last_allowed, first_allowed + 4));
+    if (!range || range->first < allowed.first || range->last > allowed.last) {
+      refuse(
+          "{}: {} is neither a number from {} to {} nor a range of them that goes up; write for "
+          "example {} {}",
+          option, in_quotes(item), allowed.first, allowed.last, option, example);
     }
     append(numbers, numbers_of(option, *range));
   });
@@ -135,7 +139,7 @@ std::vector<uint32_t> parse_formats(std::string_view text) {
     if (item == "all") {
       append(formats, used_formats());
     } else if (item.find("..") != std::string_view::npos) {
-      append(formats, parse_numbers("--format", item, 1, korvel::kFormatCount - 1));
+      append(formats, parse_numbers("--format", item, {1, korvel::kFormatCount - 1}, "70..84"));
     } else {
       formats.push_back(parse_format(item));
     }
@@ -157,7 +161,8 @@ std::vector<Levels> parse_levels(std::string_view text) {
     } else if (item == "full") {
       levels.emplace_back(kFullChain);
     } else {
-      for (const uint32_t count : parse_numbers("--levels", item, 1, KORVEL_MAX_LEVELS)) {
+      for (const uint32_t count :
+           parse_numbers("--levels", item, {1, KORVEL_MAX_LEVELS}, "none,1..12,full")) {
         levels.emplace_back(count);
       }
     }
@@ -173,7 +178,11 @@ std::vector<ChipRequest> all_requests(const RequestLists& lists) {
        {lists.chips.size(), lists.formats.size(), lists.sizes.size(), lists.samples.size(),
         lists.levels.size(), linear.size(), ubwc.size()}) {
     if (more > kMostRequests || count * more > kMostRequests) {
-      refuse("these lists make more than {} requests; take shorter ones", kMostRequests);
+      refuse(
+          "{} x {} x {}, each with its samples, levels and flags, are more than {} requests; take "
+          "shorter lists or a step, for example --size 64..1024:64x64",
+          counted(lists.chips.size(), "chip"), counted(lists.formats.size(), "format"),
+          counted(lists.sizes.size(), "size"), kMostRequests);
     }
     count *= more;
   }

@@ -9,14 +9,15 @@
 #include <vector>
 
 #include "tools/request/chip.h"
+#include "tools/request/number_text.h"
 #include "tools/request/surface_request.h"
 
 namespace tool {
 
-// "1,2,4", "1..15" or "64..1024:64". Throws BadInput, naming the option, for a number outside the
-// range and for a list of more than kMostRequests.
+// "1,2,4", "1..15" or "64..1024:64". Throws BadInput, naming the option with the example of its
+// value, for a number outside the range and for a list of more than kMostRequests.
 std::vector<uint32_t> parse_numbers(std::string_view option, std::string_view text,
-                                    uint32_t first_allowed, uint32_t last_allowed);
+                                    NumberRange allowed, std::string_view example);
 
 // "nv12,28,70..84", or "all" for every format in use. Throws BadInput.
 std::vector<uint32_t> parse_formats(std::string_view text);

@@ -48,13 +48,17 @@ uint32_t levels_of(const SurfaceSize& size) {
 
 SurfaceSize parse_surface_size(std::string_view text) {
   const std::optional<SurfaceSize> size = size_of(text);
-  if (!size) {
+  if (size) return *size;
+  if (text.find(',') != std::string_view::npos || text.find("..") != std::string_view::npos) {
     refuse(
-        "--size: {} is not WIDTHxHEIGHT or WIDTHxHEIGHTxDEPTH in decimal numbers of at most 32 "
-        "bits",
+        "--size: {} is a list or a range, and one size is allowed here, for example 1920x1080; "
+        "korvel-layout table takes lists",
         in_quotes(text));
   }
-  return *size;
+  refuse(
+      "--size: {} is not WIDTHxHEIGHT or WIDTHxHEIGHTxDEPTH in decimal numbers of at most 32 bits; "
+      "write for example 1920x1080 or 64x64x6",
+      in_quotes(text));
 }
 
 std::string surface_size_text(const SurfaceSize& size) {
