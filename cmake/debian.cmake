@@ -81,6 +81,14 @@ korvel_debian_package(${debian_name}-tools utils static_tool ""
   "korvel-layout lays surfaces out, explains every number, compares layouts
  and checks stored records. It needs no driver.")
 
+# Where GDB looks by itself: below its own folder, at the library's full name.
+install(
+  FILES ${PROJECT_SOURCE_DIR}/debugger/korvel_utils-gdb.py
+  DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/gdb/auto-load/usr/${CMAKE_INSTALL_LIBDIR}
+  RENAME libkorvel_utils.so.${PROJECT_VERSION}-gdb.py
+  COMPONENT debian_debug_symbols
+  EXCLUDE_FROM_ALL)
+
 # What the packages of programs that were linked with the library depend on, and the loader's list of libraries.
 string(TOUPPER ${debian_library} upper)
 file(CONFIGURE

@@ -1,5 +1,5 @@
 # What `cmake --install` puts where, in components: `library` (what programs load), `development` (what they are built
-# with), `debug_symbols`, and, installed only when it is asked for by name, `simulator`, the stand-in for the services
+# with), `debug_symbols`, `debugger`, and, installed only when it is asked for by name, `simulator`, the stand-in for the services
 # library. That library itself is the driver's and in no package. The tool's components are in tools/. scripts/package makes
 # archives of all of these, and cmake/debian.cmake the Debian packages.
 
@@ -59,6 +59,12 @@ else()
       DESTINATION ${CMAKE_INSTALL_LIBDIR}/debug/.build-id
       COMPONENT debug_symbols)
   endif()
+  # GDB loads what stands beside a library under its name, if it is told to trust the folder.
+  install(
+    FILES ${PROJECT_SOURCE_DIR}/debugger/korvel_utils-gdb.py
+    DESTINATION ${CMAKE_INSTALL_LIBDIR}
+    RENAME libkorvel_utils.so.${PROJECT_VERSION}-gdb.py
+    COMPONENT debugger)
 
   set(simulator_file ${CMAKE_INSTALL_LIBDIR}/libhxluser.so)
   configure_package_config_file(

@@ -106,4 +106,4 @@ def main(folder, facts_file):
 if __name__ == "__main__":
     if len(sys.argv) != 3:
         raise SystemExit(__doc__)
-    main(*sys.argv[1:])
+    main(sys.argv[1], sys.argv[2])
