@@ -1,6 +1,6 @@
 # What `cmake --install` puts where, in components: `library` (what programs load), `development` (what they are built
-# with), `debug_symbols`, `debugger`, and, installed only when it is asked for by name, `simulator`, the stand-in for the services
-# library. That library itself is the driver's and in no package. The tool's components are in tools/. scripts/package makes
+# with), `debug_symbols`, `debugger`, and, installed only when they are asked for by name, `python` and `simulator`, the stand-in for the
+# services library. That library itself is the driver's and in no package. The tool's components are in tools/. scripts/package makes
 # archives of all of these, and cmake/debian.cmake the Debian packages.
 
 include(GNUInstallDirs)
@@ -65,6 +65,20 @@ else()
     DESTINATION ${CMAKE_INSTALL_LIBDIR}
     RENAME libkorvel_utils.so.${PROJECT_VERSION}-gdb.py
     COMPONENT debugger)
+
+  # The Python module and what it loads, the simulator too: scripts ask about any GPU.
+  set(python_folder ${CMAKE_INSTALL_DATAROOTDIR}/korvel_utils/python)
+  install(
+    FILES ${PROJECT_SOURCE_DIR}/python/korvel_utils.py
+    DESTINATION ${python_folder}
+    COMPONENT python
+    EXCLUDE_FROM_ALL)
+  install(
+    TARGETS korvel_utils hxluser
+    LIBRARY DESTINATION ${python_folder}/lib
+    NAMELINK_SKIP
+    COMPONENT python
+    EXCLUDE_FROM_ALL)
 
   set(simulator_file ${CMAKE_INSTALL_LIBDIR}/libhxluser.so)
   configure_package_config_file(
