@@ -1,7 +1,7 @@
 # What `cmake --install` puts where, in components: `library` (what programs load), `development` (what they are built
-# with), `debug_symbols`, `debugger`, and, installed only when they are asked for by name, `python` and `simulator`, the stand-in for the
-# services library. That library itself is the driver's and in no package. The tool's components are in tools/. scripts/package makes
-# archives of all of these, and cmake/debian.cmake the Debian packages.
+# with), `debug_symbols`, `debugger`; and, installed only when they are asked for by name, `python` and `simulator`, the
+# stand-in for the services library. That library itself is the driver's and in no package. The tool's
+# components are in tools/. scripts/package makes archives of all of these, and cmake/debian.cmake the Debian packages.
 
 include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
