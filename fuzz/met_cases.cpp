@@ -10,9 +10,12 @@ constexpr std::size_t kCases = static_cast<std::size_t>(Case::kCount);
 
 // In the order of the enumeration.
 constexpr std::string_view kNames[] = {
-    "surface_is_exact",    "surface_is_cut",    "surface_is_sign_extended", "surface_wraps",
-    "flag_buffer_inside",  "lrz_buffer_inside", "buffer_outside",           "image_rows_wrap",
-    "image_elements_wrap", "lrz_rows_wrap",     "check_warns_of_nothing",   "check_warns",
+    "surface_is_exact", "surface_is_cut",         "surface_is_sign_extended",
+    "surface_wraps",    "flag_buffer_inside",     "lrz_buffer_inside",
+    "buffer_outside",   "image_rows_wrap",        "image_elements_wrap",
+    "lrz_rows_wrap",    "check_warns_of_nothing", "check_warns",
+    "record_in_hex",    "record_in_base64",       "files_differ",
+    "layout_fits",      "layout_does_not_fit",    "layout_by_options",
 };
 static_assert(std::size(kNames) == kCases);
 

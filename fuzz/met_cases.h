@@ -29,6 +29,14 @@ enum class Case : uint32_t {
   check_warns_of_nothing,
   check_warns,
 
+  // Of what else the tool reads.
+  record_in_hex,
+  record_in_base64,
+  files_differ,
+  layout_fits,
+  layout_does_not_fit,
+  layout_by_options,  // the same planes on the command line
+
   kCount,
 };
 

@@ -9,10 +9,15 @@
 namespace fuzz {
 namespace {
 
-int file_in_memory() {
-  static const int file = memfd_create("stored record", MFD_CLOEXEC);
+int new_file_in_memory() {
+  const int file = memfd_create("stored record", MFD_CLOEXEC);
   REQUIRE(file >= 0);
   return file;
+}
+
+int file_in_memory(FileSlot slot) {
+  static const int files[] = {new_file_in_memory(), new_file_in_memory()};
+  return files[static_cast<std::size_t>(slot)];
 }
 
 template <typename Record>
@@ -54,7 +59,9 @@ std::size_t draw_size(InputBytes& input, std::size_t usual) {
   return drawn < 0xC0 ? usual : kSizes[drawn % std::size(kSizes)];
 }
 
-std::vector<uint8_t> draw_bytes(InputBytes& input) {
+}  // namespace
+
+std::vector<uint8_t> draw_record_file(InputBytes& input) {
   enum : uint8_t { kBlob, kResource, kSurface, kRaw };
   const uint8_t what = input.u8() % 4;
   if (what == kRaw) {
@@ -74,12 +81,11 @@ std::vector<uint8_t> draw_bytes(InputBytes& input) {
   return bytes;
 }
 
-}  // namespace
-
-StoredInputFile store_drawn_file(InputBytes& input) {
+StoredInputFile store_file(std::vector<uint8_t> bytes, FileSlot slot) {
   StoredInputFile file;
-  file.bytes = draw_bytes(input);
-  const int descriptor = file_in_memory();
+  file.bytes = std::move(bytes);
+  file.slot = slot;
+  const int descriptor = file_in_memory(slot);
   const auto size = static_cast<ssize_t>(file.bytes.size());
   REQUIRE(ftruncate(descriptor, 0) == 0);
   REQUIRE(pwrite(descriptor, file.bytes.data(), file.bytes.size(), 0) == size);
@@ -89,7 +95,7 @@ StoredInputFile store_drawn_file(InputBytes& input) {
 
 std::vector<uint8_t> stored_bytes(const StoredInputFile& file) {
   std::vector<uint8_t> bytes(file.bytes.size() + 1);
-  const ssize_t size = pread(file_in_memory(), bytes.data(), bytes.size(), 0);
+  const ssize_t size = pread(file_in_memory(file.slot), bytes.data(), bytes.size(), 0);
   REQUIRE(size >= 0);
   bytes.resize(static_cast<std::size_t>(size));
   return bytes;

@@ -1,5 +1,4 @@
-// A file that the tool reads: the input's record, whole, cut or with more behind it, bare or in a
-// blob. It lives in memory and is rewritten for every input.
+// Files that the tool reads. They live in memory and are rewritten for every input.
 #pragma once
 
 #include <cstdint>
@@ -10,12 +9,19 @@
 
 namespace fuzz {
 
+// Two files may be there at a time.
+enum class FileSlot : uint8_t { first, second };
+
 struct StoredInputFile {
   std::string path;
   std::vector<uint8_t> bytes;
+  FileSlot slot = FileSlot::first;
 };
 
-StoredInputFile store_drawn_file(InputBytes& input);
+StoredInputFile store_file(std::vector<uint8_t> bytes, FileSlot slot = FileSlot::first);
+
+// The input's record, whole, cut or with more behind it, bare or in a blob.
+std::vector<uint8_t> draw_record_file(InputBytes& input);
 
 // What is in the file now.
 std::vector<uint8_t> stored_bytes(const StoredInputFile& file);

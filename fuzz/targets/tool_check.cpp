@@ -134,13 +134,14 @@ void require_one_verdict(const ToolRun& run) {
 int LLVMFuzzerTestOneInput(const uint8_t* data, std::size_t size) {
   fuzz::InputBytes input(data, size);
   tool::CheckOptions options;
-  options.kind = fuzz::draw_kind_option(input);
+  options.stored.kind = fuzz::draw_kind_option(input);
   options.chip = draw_chip(input);
   options.unknown_chip = true;
-  const fuzz::StoredInputFile file = fuzz::store_drawn_file(input);
-  options.file = file.path;
+  const fuzz::StoredInputFile file = fuzz::store_file(fuzz::draw_record_file(input));
+  options.stored.file = file.path;
   const ToolRun run = fuzz::run_tool(file, [&] { return tool::check(options); });
-  if (!fuzz::fits(file.bytes.size(), options.kind)) REQUIRE(run.exit_code == tool::kExitBadInput);
+  if (!fuzz::fits(file.bytes.size(), options.stored.kind))
+    REQUIRE(run.exit_code == tool::kExitBadInput);
   if (run.exit_code == tool::kExitBadInput) {
     hxl_sim_clear_messages();
     return 0;

@@ -64,13 +64,14 @@ void require_all_bytes_told(std::string_view dump, std::span<const uint8_t> file
 int LLVMFuzzerTestOneInput(const uint8_t* data, std::size_t size) {
   fuzz::InputBytes input(data, size);
   tool::DumpOptions options;
-  options.kind = fuzz::draw_kind_option(input);
+  options.stored.kind = fuzz::draw_kind_option(input);
   options.all = input.u8() % 2 != 0;
-  const fuzz::StoredInputFile file = fuzz::store_drawn_file(input);
-  options.file = file.path;
+  const fuzz::StoredInputFile file = fuzz::store_file(fuzz::draw_record_file(input));
+  options.stored.file = file.path;
   const fuzz::ToolRun run = fuzz::run_tool(file, [&] { return tool::dump(options); });
   REQUIRE(run.exit_code == tool::kExitDone || run.exit_code == tool::kExitBadInput);
-  if (!fuzz::fits(file.bytes.size(), options.kind)) REQUIRE(run.exit_code == tool::kExitBadInput);
+  if (!fuzz::fits(file.bytes.size(), options.stored.kind))
+    REQUIRE(run.exit_code == tool::kExitBadInput);
   if (run.exit_code == tool::kExitDone) require_all_bytes_told(run.output, file.bytes);
   return 0;
 }

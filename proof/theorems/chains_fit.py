@@ -39,6 +39,7 @@ from layouts import equal, rounded_up, unknown, wide
 from theorems.layouts_fit import lemmas_of_4_bits, no_wrap, power_of_two
 
 BITS = 64
+_MOST_FLAG_BYTES = (1 << 32) - 1  # of a level
 
 
 def prove(proof):
@@ -158,20 +159,31 @@ def all_slices(proof):
 
 def gathered(proof, any_, known):
     """Shows that flag buffers lie one behind the other; returns the bytes of all slices of them."""
-    word, at, sums = any_.word, z3.BitVecVal(0, 64), []
+    word, at = any_.word, z3.BitVecVal(0, 64)
+    follows, few = [], []  # of each level: it starts where the one before ends; it ends below its share
+    ends = []
     for level in range(any_.levels):
-        proof.show("flag buffers: from 0 on, without a gap", known, word((level, 0), "flag_offset") == at)
-        at = word((level, 0), "flag_offset") + word((level, 0), "flag_size")
+        offset = word((level, 0), "flag_offset")
+        follows.append(offset == at)
+        at = offset + word((level, 0), "flag_size")
+        ends.append(at)
+        few.append(z3.ULE(at, (level + 1) * _MOST_FLAG_BYTES))
+        proof.show("flag buffers: from 0 on, without a gap", known, follows[level])
+        proof.show("flag buffers have fewer than 2^32 bytes each", [follows[level], *few[:-1][-1:]],
+                   few[level])
     slice_ = word((0, 0), "flag_slice_pitch")
-    proof.show("flag buffers have fewer than 2^36 bytes", known, z3.ULT(at, 1 << 36))
-    proof.show("the slice pitch holds all flag buffers", known, z3.ULE(at, slice_))
+    step = unknown("level_size_alignment", 16)
+    rounded = slice_ == rounded_up(at, z3.ZeroExt(48, step), 64)
+    proof.show("the slice pitch is the flag buffers' bytes, rounded up", known, rounded)
+    proof.show("the slice pitch holds all flag buffers", [few[-1], rounded, power_of_two(step)],
+               z3.ULE(at, slice_))
+    for level in range(any_.levels - 1):
+        proof.show("a flag buffer lies in the first slice, as the next one does", [
+            follows[level + 1], few[level], z3.ULE(ends[level + 1], slice_)], z3.ULE(ends[level], slice_))
     depth = z3.SignExt(32, unknown("depth"))
     for level in range(any_.levels):
-        where = (level, 0)
-        proof.show("a flag buffer lies in the first slice", known, z3.ULE(
-            word(where, "flag_offset") + word(where, "flag_size"), slice_))
         proof.show("slices of flag buffers are one pitch apart", known,
-                   word(where, "flag_slice_pitch") == slice_)
+                   word((level, 0), "flag_slice_pitch") == slice_)
     return terms.product(depth, slice_, BITS)
 
 

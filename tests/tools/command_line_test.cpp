@@ -51,8 +51,8 @@ TEST(CommandLine, WhatItCannotMakeSenseOf) {
 }
 
 TEST(CommandLine, HelpOfACommand) {
-  for (const char* command :
-       {"show", "explain", "table", "diff", "fit", "guess", "chips", "formats", "check", "dump"}) {
+  for (const char* command : {"show", "explain", "table", "diff", "fit", "guess", "chips",
+                              "formats", "check", "dump", "schema"}) {
     const std::string name = command;
     const std::string help = run_tool("help " + name).out;
     EXPECT_EQ(help, run_tool(name + " --help").out);

@@ -46,7 +46,7 @@ TEST(Diff, WhereLinearAndTiledPart) {
       different({"--format", "28", "--size", "2000x1080", "--a", "--linear", "--b", ""});
   EXPECT_EQ(difference_of(found, kPitch), json::array({9216, 8192}));
   EXPECT_EQ(difference_of(found, "level[0].plane[0].image_height"), json::array({1080, 1088}));
-  EXPECT_EQ(difference_of(found, "level[0].tiled"), json::array({0, 1}));
+  EXPECT_EQ(difference_of(found, "level[0].tiled"), json::array({false, true}));
   EXPECT_EQ(difference_of(found, "format"), json::array());
   const json& parting = found.at("parting");
   EXPECT_EQ(parting.at("field"), "level[0].plane[0].image_width");
@@ -79,7 +79,7 @@ TEST(Diff, FieldsThatOneSideLacks) {
   ASSERT_EQ(flags.size(), 2U);
   EXPECT_TRUE(flags[0].is_null());
   EXPECT_TRUE(flags[1].is_number());
-  EXPECT_EQ(difference_of(found, "level[2].tiled"), json::array({nullptr, 1}));
+  EXPECT_EQ(difference_of(found, "level[2].tiled"), json::array({nullptr, true}));
   EXPECT_EQ(difference_of(found, "levels"), json::array({2, 3}));
 }
 

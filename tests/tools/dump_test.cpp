@@ -10,6 +10,8 @@
 namespace tool_test {
 namespace {
 
+using nlohmann::json;
+
 Outcome dump(const std::string& path, const std::string& more = "") {
   return run_tool("dump " + path + " " + more);
 }
@@ -45,6 +47,76 @@ TEST(Dump, SurfaceRecord) {
                          "total_size          21684 bytes = 5300 of record + 16384 of surface\n",
                          "actual_width        64 elements\n", "signature           0xDE5CDA7A\n",
                          "0x14B0  7A DA 5C DE"});
+}
+
+json field_of(const json& dumped, const std::string& name) {
+  for (const json& field : dumped.at("fields")) {
+    if (field.at("field") == name) return field;
+  }
+  return nullptr;
+}
+
+// The same numbers as in the lines above: a record 24 bytes behind the start, and in it an image behind
+// one page of flags. linear_fallback is a word that the rules take whatever it holds.
+TEST(Dump, Json) {
+  const ScratchFolder folder;
+  LayoutMetadata blob = stored_blob(folder);
+  blob.layout.linear_fallback = 2;
+  const json dumped = json_of("dump " + folder.file("blob", bytes_of(blob)));
+  EXPECT_EQ(dumped.at("kind"), "resource");
+  EXPECT_EQ(dumped.at("blob"), true);
+  EXPECT_EQ(dumped.at("file_bytes"), 5536);
+  EXPECT_EQ(dumped.at("record_offset_bytes"), 24);
+  EXPECT_EQ(field_of(dumped, "header.magic"), json({{"field", "header.magic"},
+                                                    {"offset_bytes", 0},
+                                                    {"size_bytes", 4},
+                                                    {"stored", "DE CA FA 00"},
+                                                    {"value", 0x00FACADE},
+                                                    {"value_hex", "0x00FACADE"},
+                                                    {"unit", nullptr},
+                                                    {"meaning", "0x00FACADE"}}));
+  EXPECT_EQ(field_of(dumped, "level[0].plane[0].image_offset"),
+            json({{"field", "level[0].plane[0].image_offset"},
+                  {"offset_bytes", 0x78},
+                  {"size_bytes", 8},
+                  {"stored", "00 10 00 00 00 00 00 00"},
+                  {"value", 4096},
+                  {"value_hex", nullptr},
+                  {"unit", "bytes"},
+                  {"meaning", "0x1000 = 4096 bytes"}}));
+  EXPECT_EQ(field_of(dumped, "level[0].tiled").at("value"), true);
+  EXPECT_EQ(field_of(dumped, "linear_fallback").at("value"), 2);
+  EXPECT_EQ(field_of(dumped, "driver_uuid").at("value"), "04000000-0100-0000-0300-000000000000");
+  EXPECT_EQ(dumped.at("valid"), true);
+  EXPECT_EQ(dumped.at("reason"), nullptr);
+}
+
+// Fields and stretches have every byte of the file once, and the same are shown as in the lines.
+TEST(Dump, JsonTellsEveryByteOnce) {
+  const ScratchFolder folder;
+  for (const std::string& path : {folder.file("blob", bytes_of(stored_blob(folder))),
+                                  folder.file("surface", bytes_of(stored_surface()))}) {
+    for (const char* more : {"", " --all"}) {
+      const json dumped = json_of("dump " + path + more);
+      std::vector<int> told(file_content(path).size());
+      for (const char* list : {"fields", "stretches"}) {
+        for (const json& part : dumped.at(list)) {
+          const std::size_t first = part.at("offset_bytes");
+          for (std::size_t i = 0; i < part.at("size_bytes"); ++i) ++told.at(first + i);
+        }
+      }
+      EXPECT_EQ(told, std::vector<int>(told.size(), 1)) << path << more;
+      const std::string text = run_tool("dump " + path + more).out;
+      std::size_t fields_in_text = 0;
+      for (const char* type : {" u32 ", " u64 ", " u8["}) {
+        for (std::size_t at = text.find(type); at != std::string::npos;
+             at = text.find(type, at + 1)) {
+          ++fields_in_text;
+        }
+      }
+      EXPECT_EQ(dumped.at("fields").size(), fields_in_text) << path << more;
+    }
+  }
 }
 
 // One line an address, no address twice, none left out.

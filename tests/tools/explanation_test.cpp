@@ -15,6 +15,7 @@
 #include "tests/harness/gpu.h"
 #include "tests/tools/exported_layout.h"
 #include "tools/explanation/explain_surface.h"
+#include "tools/explanation/explain_words.h"
 #include "tools/explanation/explained_record.h"
 #include "tools/explanation/explanation_check.h"
 #include "tools/explanation/fault_forecast.h"
@@ -74,9 +75,20 @@ void expect_unbroken(const Explanation& explanation, const SurfaceRequest& reque
   }
 }
 
+// A word comes about in one step, which says why.
+void expect_unbroken_words(const Explanation& words, const SurfaceRequest& request) {
+  for (const Step& step : words.steps) {
+    ASSERT_FALSE(step.subject.empty() || step.rule.empty() || step.fact.empty() ||
+                 step.field.empty())
+        << step.field << " of " << text_of(request);
+    ASSERT_TRUE(step.inputs.empty() && step.before.value == step.after.value) << step.field;
+  }
+}
+
 struct Compared {
   std::size_t layouts = 0;
   std::size_t fields = 0;
+  std::size_t words = 0;
   std::size_t wrapped = 0;  // layouts with a number that wraps
 };
 
@@ -89,6 +101,14 @@ void compare(harness::Gpu& gpu, const korvel::ChipRow& chip, const SurfaceReques
   const tool::Comparison comparison = tool::compare(explanation, blob);
   ASSERT_EQ(comparison.disagreement, "") << text_of(request) << " on family " << chip.family_id;
   expect_unbroken(explanation, request);
+  // Words go by few facts: one layout in so many is enough of them.
+  if (compared.layouts % 7 == 0) {
+    const Explanation words = tool::explain_words(chip, request, explanation);
+    const tool::Comparison further = tool::compare(words, tool::further_words(blob));
+    ASSERT_EQ(further.disagreement, "") << text_of(request) << " on family " << chip.family_id;
+    expect_unbroken_words(words, request);
+    compared.words += further.compared;
+  }
   const MemoryLayout record = tool::explained_record(chip, request, explanation);
   ASSERT_EQ(std::memcmp(&record, &blob.layout, sizeof record), 0) << text_of(request);
   ++compared.layouts;
@@ -102,11 +122,13 @@ void compare(harness::Gpu& gpu, const korvel::ChipRow& chip, const SurfaceReques
 
 // Every format has a layout on each of the three families, in each of the modes that it allows.
 void report(const Compared& compared, std::size_t least_layouts) {
-  std::printf("%zu layouts, %zu fields compared; numbers wrap in %zu\n", compared.layouts,
-              compared.fields, compared.wrapped);
+  std::printf("%zu layouts, %zu fields and %zu further words compared; numbers wrap in %zu\n",
+              compared.layouts, compared.fields, compared.words, compared.wrapped);
   EXPECT_GE(compared.layouts, least_layouts);
   EXPECT_GE(compared.fields,
             11 * compared.layouts);  // of one plane, without flags and extra buffer
+  // 6 of the header, 17 in front of the levels, 2 or more behind, of one layout in 7.
+  EXPECT_GE(compared.words, 25 * (compared.layouts / 7));
   EXPECT_GT(compared.wrapped, 0U);
   EXPECT_LT(compared.wrapped, compared.layouts);
 }

@@ -175,8 +175,10 @@ TEST(Fit, WhatItCannotMakeSenseOf) {
   expect_file("{\"plane\": 3}", "is no JSON with planes");
   expect_file("{\"layout\": {\"level\": []}}", "is no JSON with planes");
   expect_file("{\"plane\": [3]}", "a plane is an object");
-  expect_file("{\"plane\": [{\"image_pitch\": -1}]}", "image_pitch is no number");
-  expect_file("{\"plane\": [{\"image_pitch\": \"1\"}]}", "image_pitch is no number");
+  expect_file("{\"plane\": [{\"image_pitch\": -1}]}",
+              "image_pitch is no whole number from 0 to 18446744073709551615");
+  expect_file("{\"plane\": [{\"image_pitch\": \"1\"}]}",
+              "image_pitch is no whole number from 0 to 18446744073709551615");
   expect_file("{\"plane\": [{}, {}, {}, {}]}", "at most 3 planes");
   expect_file("{\"plane\": []}", "0 planes of a layout for 1");
   expect_file(std::string((1 << 20) + 1, ' '), "holds more than 1048576 bytes");

@@ -17,13 +17,14 @@ inline void expect_word(const nlohmann::json& object, const std::string& name, u
   EXPECT_NUMBER_NAMED(name, word.get<uint64_t>(), expected);
 }
 
-// Words of one object, under the names of the record's fields; null for those that have no number.
+// Words of one object, under the names of the record's fields: numbers, true or false, and null for
+// those that have no number.
 inline void expect_words(const nlohmann::json& object, const nlohmann::json& expected) {
   for (const auto& [name, value] : expected.items()) {
-    if (value.is_null()) {
-      EXPECT_TRUE(object.at(name).is_null()) << name << " is " << object.at(name);
-    } else {
+    if (value.is_number()) {
       expect_word(object, name, value.get<uint64_t>());
+    } else {
+      EXPECT_EQ(object.at(name), value) << name;
     }
   }
 }

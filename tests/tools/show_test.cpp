@@ -27,7 +27,7 @@ TEST(Show, TiledWithFlagBuffer) {
   const json& layout = shown.at("layout");
   constexpr uint64_t kSlice = 9 * 4096 + 7680 * 1088;
   expect_words(layout, {{"levels", 1}, {"alignment", 4096}, {"total_size", kSlice + 5512}});
-  expect_words(layout.at("level").at(0), {{"slices", 1}, {"tiled", 1}, {"size", kSlice}});
+  expect_words(layout.at("level").at(0), {{"slices", 1}, {"tiled", true}, {"size", kSlice}});
   expect_words(layout.at("level").at(0).at("plane").at(0), {{"image_offset", 9 * 4096},
                                                             {"image_size", 7680 * 1088},
                                                             {"image_pitch", 1920 * 4},
@@ -35,7 +35,7 @@ TEST(Show, TiledWithFlagBuffer) {
                                                             {"image_element_size", 4},
                                                             {"image_width", 1920},
                                                             {"image_height", 1088},
-                                                            {"flag_valid", 1},
+                                                            {"flag_valid", true},
                                                             {"flag_offset", 0},
                                                             {"flag_size", 9 * 4096},
                                                             {"flag_pitch", 128},
@@ -48,14 +48,14 @@ TEST(Show, TiledWithFlagBuffer) {
 TEST(Show, LinearOnFamily5) {
   const json shown = json_of(show_on_family(5, "--format 28 --size 100x50x3 --linear"));
   const json& level = shown.at("layout").at("level").at(0);
-  expect_words(level, {{"slices", 3}, {"tiled", 0}, {"size", 3 * 7 * 4096}, {"planes", 1}});
+  expect_words(level, {{"slices", 3}, {"tiled", false}, {"size", 3 * 7 * 4096}, {"planes", 1}});
   expect_words(level.at("plane").at(0), {{"image_offset", 0},
                                          {"image_size", 7 * 4096},
                                          {"image_pitch", 128 * 4},
                                          {"image_slice_pitch", 7 * 4096},
                                          {"image_width", 128},
                                          {"image_height", 50},
-                                         {"flag_valid", 0},
+                                         {"flag_valid", false},
                                          {"flag_offset", nullptr}});
   expect_word(shown.at("layout"), "alignment", 64);
   expect_word(shown, "gpu_buffer_size", 3 * 7 * 4096);
@@ -150,11 +150,11 @@ TEST(Show, ChainOfOneLevelAndOfFifteen) {
 // One tile a slice: 64 x 16 elements of 4 bytes are a page. Six of them.
 TEST(Show, ExtraBuffer) {
   const json shown = json_of(show_on_family(6, "--format 28 --size 64x16x6 --extra"));
-  expect_words(shown.at("layout"), {{"extra_valid", 1},
+  expect_words(shown.at("layout"), {{"extra_valid", true},
                                     {"extra_offset", 6 * 4096},
                                     {"extra_size", 6 * 8224},
                                     {"extra_slice_pitch", 8224},
-                                    {"extended", 0}});
+                                    {"extended", false}});
   // 24576 + 49344 = 73920 bytes take 19 pages.
   expect_word(shown, "gpu_buffer_size", 19 * 4096);
 }
@@ -169,7 +169,7 @@ TEST(Show, ExtraPadding) {
   const json shown = json_of(show_on(chip.chip_id, "--format 28 --size 64x16 --extra --extended"));
   expect_words(shown.at("layout").at("level").at(0).at("plane").at(0),
                {{"image_width", 128}, {"image_height", 32}});
-  expect_word(shown.at("layout"), "extended", 1);
+  expect_words(shown.at("layout"), {{"extended", true}});
 }
 
 TEST(Show, FormatsByNameInAnyCase) {
@@ -193,7 +193,8 @@ TEST(Show, HeaderWords) {
                                     {"record_kind", 3},
                                     {"record_offset", 24},
                                     {"record_size", 5512}});
-  EXPECT_NUMBER(shown.at("header").size(), 6);
+  EXPECT_EQ(shown.at("header").at("magic_hex"), "0x00FACADE");
+  EXPECT_NUMBER(shown.at("header").size(), 7);
   EXPECT_EQ(shown.at("layout").at("driver_uuid"), "04000000-0100-0000-0300-000000000000");
 }
 

@@ -9,6 +9,7 @@
 #include "tools/command/exit_codes.h"
 #include "tools/comparison/strict_findings.h"
 #include "tools/library/simulated_chip.h"
+#include "tools/output/json_output.h"
 #include "tools/output/layout_json.h"
 #include "tools/output/standard_error.h"
 #include "tools/output/standard_output.h"
@@ -88,13 +89,12 @@ std::string text_of(const Result& result) {
 
 nlohmann::ordered_json json_of(const CheckOptions& options, const Result& result) {
   const bool valid = result.verdict.result == KORVEL_SUCCESS;
-  nlohmann::ordered_json json = {{"file", options.file},
+  nlohmann::ordered_json json = {{"file", options.stored.file},
                                  {"kind", result.kind},
                                  {"chip", chip_json(result.chip)},
                                  {"valid", valid},
                                  {"reason", nullptr},
-                                 {"findings", nullptr},
-                                 {"warnings", result.warnings}};
+                                 {"findings", nullptr}};
   if (!valid) json["reason"] = result.verdict.reason;
   if (valid && options.strict) json["findings"] = result.findings;
   return json;
@@ -103,9 +103,8 @@ nlohmann::ordered_json json_of(const CheckOptions& options, const Result& result
 }  // namespace
 
 int check(const CheckOptions& options) {
-  const StoredFile file(options.file, options.kind);
-  Result result = {.chip = chip_of(options, file),
-                   .kind = file.kind() == RecordKind::surface ? "surface" : "resource"};
+  const StoredFile file(options.stored.file, options.stored.kind);
+  Result result = {.chip = chip_of(options, file), .kind = kind_name(file.kind())};
   simulate(result.chip);
   result.verdict = judge(file, device_uuid(result.chip.row));
   if (file.is_blob()) add_header_warnings(result.warnings, file.header());
@@ -119,7 +118,8 @@ int check(const CheckOptions& options) {
   if (valid && options.strict) result.findings = findings_of(file, result.chip);
   print_warnings(result.warnings);
   print_warnings(result.findings);
-  print_data(options.json ? json_of(options, result).dump(2) + "\n" : text_of(result));
+  print_data(options.json ? json_text("check", json_of(options, result), result.warnings)
+                          : text_of(result));
   if (!valid) return kExitRefused;
   const bool clean = result.warnings.empty() && result.findings.empty();
   return options.strict && !clean ? kExitRefused : kExitDone;

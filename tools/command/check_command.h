@@ -4,13 +4,14 @@
 #include <optional>
 #include <string>
 
+#include "tools/command/stored_file_options.h"
+
 namespace tool {
 
 struct CheckOptions {
-  std::string file;
+  StoredFileOptions stored;
   std::optional<std::string> chip;  // without it, the one that the record names
   bool unknown_chip = false;        // an id without a row is meant as it is
-  std::optional<std::string> kind;
   bool json = false;
   bool strict = false;  // look further than the fixed rules, and make warnings the exit code 1
 };

@@ -11,6 +11,7 @@
 #include "identify/hardware_data.h"
 #include "tools/command/chip_columns.h"
 #include "tools/command/exit_codes.h"
+#include "tools/output/json_output.h"
 #include "tools/output/standard_output.h"
 #include "tools/output/text_table.h"
 
@@ -43,23 +44,25 @@ Json columns_json(const korvel::ChipColumns& columns) {
 
 Json chip_json(const WholeChip& whole) {
   const auto& [chip, model, family] = whole;
-  return {{"chip_id", chip.chip_id},
-          {"family_id", chip.family_id},
-          {"model_code", chip.model_code},
-          {"rev_id", chip.rev_id},
-          {"columns", columns_json(chip.columns)},
-          {"supported", chip.supported},
-          {"ubwc_never", chip.ubwc.never},
-          {"ubwc_depth_excluded", chip.ubwc.depth_excluded},
-          {"ubwc_yuv_a", chip.ubwc.yuv_a},
-          {"ubwc_yuv_b", chip.ubwc.yuv_b},
-          {"ubwc_yuv16", chip.ubwc.yuv16},
-          {"yuv16_ext", model.yuv16_ext},
-          {"p016", model.p016},
-          {"family5_sample_excluded", model.family5_sample_excluded},
-          {"max_surface_pitch", model.max_surface_pitch},
-          {"padding_f", family.extra_padding_units},
-          {"padding_g", model.extra_padding_factor}};
+  Json json;
+  add_id(json, "chip_id", chip.chip_id);
+  json["family_id"] = chip.family_id;
+  add_model_code(json, chip.model_code);
+  add_id(json, "rev_id", chip.rev_id);
+  json["columns"] = columns_json(chip.columns);
+  json["supported"] = chip.supported;
+  json["ubwc_never"] = chip.ubwc.never;
+  json["ubwc_depth_excluded"] = chip.ubwc.depth_excluded;
+  json["ubwc_yuv_a"] = chip.ubwc.yuv_a;
+  json["ubwc_yuv_b"] = chip.ubwc.yuv_b;
+  json["ubwc_yuv16"] = chip.ubwc.yuv16;
+  json["yuv16_ext"] = model.yuv16_ext;
+  json["p016"] = model.p016;
+  json["family5_sample_excluded"] = model.family5_sample_excluded;
+  json["max_surface_pitch"] = model.max_surface_pitch;
+  json["extra_padding_units"] = family.extra_padding_units;
+  json["extra_padding_factor"] = model.extra_padding_factor;
+  return json;
 }
 
 // The letter of what holds, a dot for what does not.
@@ -125,13 +128,13 @@ std::string chips_text() {
 Json chips_json() {
   Json chips = Json::array();
   for (const WholeChip& whole : kWholeChips) chips.push_back(chip_json(whole));
-  return chips;
+  return {{"chips", std::move(chips)}};
 }
 
 }  // namespace
 
 int list_chips(bool json) {
-  print_data(json ? chips_json().dump(2) + "\n" : chips_text());
+  print_data(json ? json_text("chips", chips_json(), {}) : chips_text());
   return kExitDone;
 }
 

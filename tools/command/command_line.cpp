@@ -21,7 +21,9 @@
 #include "tools/command/parse_refusal.h"
 #include "tools/command/request_arguments.h"
 #include "tools/command/show_command.h"
+#include "tools/command/stored_file_arguments.h"
 #include "tools/command/table_command.h"
+#include "tools/output/json_schema.h"
 #include "tools/output/standard_error.h"
 #include "tools/output/standard_output.h"
 #include "tools/request/bad_input.h"
@@ -43,6 +45,7 @@ constexpr const char kExamples[] =
     "  korvel-layout dump nv12.blob\n"
     "  korvel-layout formats --chip 0x43010000\n"
     "  korvel-layout chips\n"
+    "  korvel-layout schema\n"
     "\n"
     "korvel-layout help COMMAND says more of one. A file named - is standard input or output.\n"
     "Exit codes: 0 done, 1 no (refused, different, not fitting, not found, or warnings with\n"
@@ -176,8 +179,7 @@ CLI::App* add_diff(CLI::App& program, DiffOptions& options) {
   add_text(*command, "--b", options.b, "Options of the second layout alone, in quotes")
       ->type_name("OPTIONS");
   add_request(*command, options.common, Needs::nothing);
-  add_text(*command, "--kind", options.kind, "What a file holds; default by its size")
-      ->type_name("resource|surface");
+  add_kind(*command, options.kind);
   command->add_flag("--json", options.json, "JSON instead of text");
   command->footer(kDiffExamples);
   return command;
@@ -224,6 +226,11 @@ CLI::App* add_chips(CLI::App& program, bool& json) {
   return command;
 }
 
+CLI::App* add_schema(CLI::App& program) {
+  return program.add_subcommand("schema",
+                                "Print the JSON Schema of what all commands print with --json");
+}
+
 CLI::App* add_formats(CLI::App& program, FormatsOptions& options) {
   CLI::App* const command = program.add_subcommand("formats", "List the formats");
   add_chip(*command, options.chip, options.unknown_chip, "Add what this chip can do with each");
@@ -235,13 +242,7 @@ CLI::App* add_formats(CLI::App& program, FormatsOptions& options) {
 CLI::App* add_check(CLI::App& program, CheckOptions& options) {
   CLI::App* const command =
       program.add_subcommand("check", "Have the library validate a stored blob or record");
-  command
-      ->add_option("FILE", options.file,
-                   "Blob or bare record: bytes, hex or base64; - for standard input")
-      ->required()
-      ->type_name("");
-  add_text(*command, "--kind", options.kind, "What a file holds; default by its size")
-      ->type_name("resource|surface");
+  add_stored_file(*command, options.stored);
   add_chip(*command, options.chip, options.unknown_chip,
            "Chip that the record must be made for; default the one that it names");
   command->add_flag("--json", options.json, "JSON instead of a line");
@@ -257,14 +258,9 @@ CLI::App* add_check(CLI::App& program, CheckOptions& options) {
 CLI::App* add_dump(CLI::App& program, DumpOptions& options) {
   CLI::App* const command =
       program.add_subcommand("dump", "Print a stored blob or record field by field");
-  command
-      ->add_option("FILE", options.file,
-                   "Blob or bare record: bytes, hex or base64; - for standard input")
-      ->required()
-      ->type_name("");
-  add_text(*command, "--kind", options.kind, "What a file holds; default by its size")
-      ->type_name("resource|surface");
+  add_stored_file(*command, options.stored);
   command->add_flag("--all", options.all, "Also every field that is not in use");
+  command->add_flag("--json", options.json, "JSON instead of text");
   return command;
 }
 
@@ -334,6 +330,7 @@ int run_command_line(int argc, char** argv) {
   const CLI::App* const check_command = add_check(program, check_options);
   const CLI::App* const dump_command = add_dump(program, dump_options);
   const CLI::App* const manual_command = add_manual(program);
+  const CLI::App* const schema_command = add_schema(program);
   program.footer(kExamples);  // commands take over the footer that is set before them
   if (asks_for_help(argc, argv)) {
     print_data(asked_help(program, argc, argv));
@@ -368,6 +365,10 @@ int run_command_line(int argc, char** argv) {
   if (dump_command->parsed()) return dump(dump_options);
   if (manual_command->parsed()) {
     print_data(manual_page(program, day_of_manual()));
+    return kExitDone;
+  }
+  if (schema_command->parsed()) {
+    print_data(kJsonSchema);
     return kExitDone;
   }
   refuse("no command given; korvel-layout --help lists them");

@@ -9,6 +9,7 @@
 #include "tools/comparison/record_comparison.h"
 #include "tools/explanation/request_warnings.h"
 #include "tools/output/difference_output.h"
+#include "tools/output/json_output.h"
 #include "tools/output/standard_error.h"
 #include "tools/output/standard_output.h"
 #include "tools/request/bad_input.h"
@@ -109,9 +110,7 @@ int diff(const DiffOptions& options) {
   add_warnings(warnings, 'B', b);
   print_warnings(warnings);
   if (options.json) {
-    nlohmann::ordered_json json = difference_json(difference);
-    json["warnings"] = warnings;
-    print_data(json.dump(2) + "\n");
+    print_data(json_text("diff", difference_json(difference), warnings));
   } else {
     print_data(difference_text(difference));
   }

@@ -8,6 +8,7 @@
 #include "tools/explanation/explain_surface.h"
 #include "tools/explanation/explained_record.h"
 #include "tools/explanation/fault_forecast.h"
+#include "tools/output/standard_error.h"
 #include "tools/record/stored_file.h"
 #include "tools/request/bad_input.h"
 #include "tools/request/format_names.h"
@@ -20,7 +21,7 @@ std::string file_label(const std::string& path, const ComparedSide& side) {
   const char* const what = side.is_surface_record() ? "a surface record"
                            : side.header.empty()    ? "a resource record"
                                                     : "a blob";
-  return fmt::format("{}, {}", path, what);
+  return fmt::format("{}, {}", without_controls(path), what);
 }
 
 // A record never counts bytes that lie behind it.

@@ -1,15 +1,14 @@
 // `dump`: a stored record field by field.
 #pragma once
 
-#include <optional>
-#include <string>
+#include "tools/command/stored_file_options.h"
 
 namespace tool {
 
 struct DumpOptions {
-  std::string file;
-  std::optional<std::string> kind;
+  StoredFileOptions stored;
   bool all = false;  // what is not in use too
+  bool json = false;
 };
 
 // Returns the program's exit code. Throws BadInput.

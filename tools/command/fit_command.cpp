@@ -6,6 +6,7 @@
 #include "tools/explanation/fault_forecast.h"
 #include "tools/explanation/request_warnings.h"
 #include "tools/output/fit_output.h"
+#include "tools/output/json_output.h"
 #include "tools/output/standard_error.h"
 #include "tools/output/standard_output.h"
 #include "tools/record/foreign_layout.h"
@@ -58,9 +59,7 @@ int fit(const FitOptions& options) {
       request_warnings(chip, request, explain_surface(chip.row, request));
   print_warnings(warnings);
   if (options.json) {
-    nlohmann::ordered_json json = fit_json(chip, request, found);
-    json["warnings"] = warnings;
-    print_data(json.dump(2) + "\n");
+    print_data(json_text("fit", fit_json(chip, request, found), warnings));
   } else {
     print_data(fit_text(chip, request, found));
   }

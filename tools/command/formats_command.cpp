@@ -13,6 +13,8 @@
 #include "tools/command/format_flags.h"
 #include "tools/library/library_messages.h"
 #include "tools/library/simulated_chip.h"
+#include "tools/output/json_output.h"
+#include "tools/output/layout_json.h"
 #include "tools/output/standard_error.h"
 #include "tools/output/standard_output.h"
 #include "tools/output/text_table.h"
@@ -53,13 +55,18 @@ Capabilities capabilities_of(uint32_t format) {
           .ubwc = isUBWCSupportedByGpu(format) != 0};
 }
 
-void add_capabilities(Json& json, const Capabilities& can) {
-  json["renderable"] = {{"colour", can.renderable_colour},
-                        {"depth_stencil", can.renderable_depth_stencil}};
-  json["sampleable"] = {{"single_sampled", can.sampleable_single_sampled},
-                        {"multisampled", can.sampleable_multisampled},
-                        {"depth_stencil", can.sampleable_depth_stencil}};
-  json["ubwc"] = can.ubwc;
+// Without a chip nothing is known of them.
+void add_capabilities(Json& json, const std::optional<Capabilities>& can) {
+  json["renderable"] = nullptr;
+  json["sampleable"] = nullptr;
+  json["ubwc"] = nullptr;
+  if (!can) return;
+  json["renderable"] = {{"colour", can->renderable_colour},
+                        {"depth_stencil", can->renderable_depth_stencil}};
+  json["sampleable"] = {{"single_sampled", can->sampleable_single_sampled},
+                        {"multisampled", can->sampleable_multisampled},
+                        {"depth_stencil", can->sampleable_depth_stencil}};
+  json["ubwc"] = can->ubwc;
 }
 
 Json format_json(uint32_t format, bool with_capabilities) {
@@ -72,7 +79,7 @@ Json format_json(uint32_t format, bool with_capabilities) {
                {"bytes", record.bytes},
                {"planes", record.planes},
                {"block", {{"width", block.width}, {"height", block.height}}}};
-  if (with_capabilities) add_capabilities(json, capabilities_of(format));
+  add_capabilities(json, with_capabilities ? std::optional(capabilities_of(format)) : std::nullopt);
   return json;
 }
 
@@ -142,21 +149,25 @@ std::string formats_text(const FormatsOptions& options) {
   return table.text() + legend;
 }
 
-std::string formats_json(const FormatsOptions& options) {
+Json formats_json(const FormatsOptions& options, const std::optional<Chip>& chip) {
   Json formats = Json::array();
   for_each_listed(options.all, [&](uint32_t format) {
-    formats.push_back(format_json(format, options.chip.has_value()));
+    formats.push_back(format_json(format, chip.has_value()));
   });
-  return formats.dump(2) + "\n";
+  return {{"chip", chip ? chip_json(*chip) : Json()}, {"formats", std::move(formats)}};
 }
 
 }  // namespace
 
 int list_formats(const FormatsOptions& options) {
-  if (options.chip) simulate_chip(options.chip, options.unknown_chip);
-  const std::string data = options.json ? formats_json(options) : formats_text(options);
-  print_warnings(distinct_texts(take_library_messages()));
-  print_data(data);
+  std::optional<Chip> chip;
+  if (options.chip) chip = simulate_chip(options.chip, options.unknown_chip);
+  // Both ask the library, which may have something to say.
+  const Json json = options.json ? formats_json(options, chip) : Json();
+  const std::string text = options.json ? "" : formats_text(options);
+  const std::vector<std::string> warnings = distinct_texts(take_library_messages());
+  print_warnings(warnings);
+  print_data(options.json ? json_text("formats", json, warnings) : text);
   return kExitDone;
 }
 

@@ -3,6 +3,7 @@
 #include "tools/command/exit_codes.h"
 #include "tools/comparison/layout_guess.h"
 #include "tools/output/guess_output.h"
+#include "tools/output/json_output.h"
 #include "tools/output/progress_line.h"
 #include "tools/output/standard_error.h"
 #include "tools/output/standard_output.h"
@@ -50,9 +51,7 @@ int guess(const GuessOptions& options) {
     });
   }
   if (options.json) {
-    nlohmann::ordered_json json = guess_json(bytes, guesses);
-    json["warnings"] = nlohmann::ordered_json::array();
-    print_data(json.dump(2) + "\n");
+    print_data(json_text("guess", guess_json(bytes, guesses), {}));
   } else {
     print_data(guess_text(bytes, guesses, lists));
   }

@@ -7,6 +7,7 @@
 #include "tools/library/layout_warnings.h"
 #include "tools/library/simulated_chip.h"
 #include "tools/library/surface_layout.h"
+#include "tools/output/json_output.h"
 #include "tools/output/layout_json.h"
 #include "tools/output/layout_text.h"
 #include "tools/output/new_file.h"
@@ -16,13 +17,6 @@
 
 namespace tool {
 namespace {
-
-std::string json_text(const Chip& chip, const SurfaceRequest& request, const LayoutMetadata& blob,
-                      const std::vector<std::string>& warnings) {
-  nlohmann::ordered_json json = layout_json(chip, request, blob);
-  json["warnings"] = warnings;
-  return json.dump(2) + "\n";
-}
 
 // Standard output holds one thing.
 void refuse_shared_output(const ShowOptions& options) {
@@ -69,7 +63,7 @@ int show(const ShowOptions& options) {
   write_pictures(options, chip, request, blob, warnings);
   print_warnings(warnings);
   if (!picture_alone && options.blob != kStandardOutput) {
-    print_data(options.json ? json_text(chip, request, blob, warnings)
+    print_data(options.json ? json_text("show", layout_json(chip, request, blob), warnings)
                             : layout_text(chip, request, blob));
   }
   return options.strict && !warnings.empty() ? kExitRefused : kExitDone;

@@ -6,6 +6,7 @@
 #include "tools/command/request_options.h"
 #include "tools/comparison/cost_table.h"
 #include "tools/output/cost_table_output.h"
+#include "tools/output/json_output.h"
 #include "tools/output/progress_line.h"
 #include "tools/output/standard_error.h"
 #include "tools/output/standard_output.h"
@@ -73,9 +74,7 @@ int table(const TableOptions& options) {
   const std::vector<std::string> warnings = cost_table_warnings(rows);
   print_warnings(warnings);
   if (options.json) {
-    nlohmann::ordered_json json = cost_table_json(rows);
-    json["warnings"] = warnings;
-    print_data(json.dump(2) + "\n");
+    print_data(json_text("table", cost_table_json(rows), warnings));
   } else {
     print_data(options.csv ? cost_table_csv(rows) : cost_table_text(rows));
   }

@@ -42,10 +42,8 @@ std::vector<std::string_view> merged_names(const std::vector<NamedWord>& a,
 }  // namespace
 
 std::optional<uint64_t> number_of(const ComparedWord& word) {
-  uint64_t number = 0;
-  if (word.field->size > sizeof number) return std::nullopt;
-  std::memcpy(&number, word.bytes, word.field->size);
-  return number;
+  if (word.field->size > sizeof(uint64_t)) return std::nullopt;
+  return field_number(*word.field, word.bytes);
 }
 
 RecordComparison compare_records(const RecordFields& fields, std::span<const unsigned char> a,

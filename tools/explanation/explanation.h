@@ -22,6 +22,11 @@ enum class Unit : uint8_t {
   tile_rows,  // of such tiles
   flag_rows,  // of a flag buffer
   bytes,
+  slices,
+  samples,
+  levels,
+  planes,
+  number,  // of nothing: ids and what marks a record
   yes_no,  // 1 or 0
 };
 

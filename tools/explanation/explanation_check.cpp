@@ -2,7 +2,13 @@
 
 #include <fmt/core.h>
 
+#include <algorithm>
+#include <cstring>
 #include <map>
+#include <set>
+#include <span>
+
+#include "tools/record/named_words.h"
 
 namespace tool {
 namespace {
@@ -26,7 +32,50 @@ void add_plane(std::vector<FieldValue>& fields, uint32_t l, uint32_t p, const Pl
   add("flag_slice_pitch", plane.flag_slice_pitch);
 }
 
+template <typename Record>
+std::span<const unsigned char> bytes_of(const Record& record) {
+  return {reinterpret_cast<const unsigned char*>(&record), sizeof record};
+}
+
+// A field as one number; a UUID as its four.
+void add_word(std::vector<FieldValue>& words, const std::string& name, const StoredField& field,
+              const unsigned char* bytes, const Place& place) {
+  const bool is_uuid =
+      field.meaning == Meaning::device_uuid || field.meaning == Meaning::driver_uuid;
+  if (!is_uuid) {
+    words.push_back({name, field_number(field, bytes), place});
+    return;
+  }
+  for (std::size_t i = 0; i < KORVEL_UUID_BYTES / sizeof(uint32_t); ++i) {
+    uint32_t word = 0;
+    std::memcpy(&word, bytes + i * sizeof word, sizeof word);
+    words.push_back({fmt::format("{}[{}]", name, i), word, place});
+  }
+}
+
 }  // namespace
+
+std::vector<FieldValue> words_of(const LayoutMetadata& blob) {
+  std::vector<FieldValue> words;
+  for (const StoredField& field : kBlobHeaderFields) {
+    add_word(words, std::string("header.") + field.name, field,
+             bytes_of(blob.header).data() + field.offset, {});
+  }
+  const std::span<const unsigned char> record = bytes_of(blob.layout);
+  for (const NamedWord& word : named_words(kLayoutFields, record, BufferWords::of_all_buffers)) {
+    add_word(words, word.name, *word.field, record.data() + word.offset, {word.level, word.plane});
+  }
+  return words;
+}
+
+std::vector<FieldValue> further_words(const LayoutMetadata& blob) {
+  std::set<std::string> explained;
+  for (const FieldValue& field : explained_fields(blob)) explained.insert(field.field);
+  std::vector<FieldValue> words = words_of(blob);
+  std::erase_if(words,
+                [&explained](const FieldValue& word) { return explained.contains(word.field); });
+  return words;
+}
 
 std::vector<FieldValue> explained_fields(const LayoutMetadata& blob) {
   const MemoryLayout& record = blob.layout;
@@ -48,6 +97,10 @@ std::vector<FieldValue> explained_fields(const LayoutMetadata& blob) {
 }
 
 Comparison compare(const Explanation& explanation, const LayoutMetadata& blob) {
+  return compare(explanation, explained_fields(blob));
+}
+
+Comparison compare(const Explanation& explanation, const std::vector<FieldValue>& fields) {
   std::map<std::string, const Step*> steps;
   for (const Step& step : explanation.steps) {
     if (step.field.empty()) continue;
@@ -56,7 +109,7 @@ Comparison compare(const Explanation& explanation, const LayoutMetadata& blob) {
     }
   }
   Comparison comparison;
-  for (const FieldValue& field : explained_fields(blob)) {
+  for (const FieldValue& field : fields) {
     const auto found = steps.find(field.field);
     if (found == steps.end()) {
       comparison.disagreement = fmt::format("no step leads to {}", field.field);

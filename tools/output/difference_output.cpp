@@ -6,8 +6,10 @@
 #include "tools/output/explanation_text.h"
 #include "tools/output/layout_json.h"
 #include "tools/output/step_text.h"
+#include "tools/output/stored_value_json.h"
 #include "tools/output/text_table.h"
 #include "tools/record/field_value.h"
+#include "tools/record/stored_file.h"
 #include "tools/record/uuid_text.h"
 #include "tools/request/counted.h"
 
@@ -79,7 +81,9 @@ std::string parting_text(const Difference& difference) {
 }
 
 Json side_json(const ComparedSide& side) {
-  Json json = {{"label", side.label}, {"kind", side.is_surface_record() ? "surface" : "resource"}};
+  Json json = {
+      {"label", side.label},
+      {"kind", kind_name(side.is_surface_record() ? RecordKind::surface : RecordKind::resource)}};
   json["chip"] = side.asked ? chip_json(side.asked->chip) : Json();
   json["request"] = side.asked ? request_json(side.asked->request) : Json();
   return json;
@@ -87,8 +91,7 @@ Json side_json(const ComparedSide& side) {
 
 Json word_json(const std::optional<ComparedWord>& word) {
   if (!word) return nullptr;
-  if (const std::optional<uint64_t> number = number_of(*word)) return *number;
-  return uuid_text(word->bytes);
+  return stored_value_json(*word->field, word->bytes);
 }
 
 Json parting_step_json(const ComparedSide& side, std::optional<std::size_t> place) {
@@ -123,7 +126,10 @@ Json difference_json(const Difference& difference) {
   const auto& [a, b, comparison, parting] = difference;
   Json words = Json::array();
   for (const WordDifference& word : comparison.differences) {
-    words.push_back({{"field", word.name}, {"a", word_json(word.a)}, {"b", word_json(word.b)}});
+    words.push_back({{"field", word.name},
+                     {"unit", stored_unit_json(*(word.a ? word.a : word.b)->field)},
+                     {"a", word_json(word.a)},
+                     {"b", word_json(word.b)}});
   }
   Json json = {{"a", side_json(a)},
                {"b", side_json(b)},

@@ -14,6 +14,11 @@ const char* unit_name(Unit unit) {
     case Unit::tile_rows: return "tile rows";
     case Unit::flag_rows: return "flag rows";
     case Unit::bytes: return "bytes";
+    case Unit::slices: return "slices";
+    case Unit::samples: return "samples";
+    case Unit::levels: return "levels";
+    case Unit::planes: return "planes";
+    case Unit::number: return "number";
     case Unit::yes_no: return "yes or no";
   }
   return "";

@@ -68,6 +68,7 @@ Json fit_json(const Chip& chip, const SurfaceRequest& request, const LayoutFit& 
   Json planes = Json::array();
   for (const Numbers& numbers : fit.planes) {
     Json plane;
+    for (const NumberName& name : foreign_plane_names()) plane[name.name] = nullptr;
     for (const FittedNumber& number : numbers) {
       plane[number.name] = {{"given", number.given ? Json(*number.given) : Json()},
                             {"nearest", static_cast<uint64_t>(number.nearest.value)},

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <set>
 
+#include "tools/output/json_output.h"
 #include "tools/output/layout_json.h"
 #include "tools/output/text_table.h"
 #include "tools/request/counted.h"
@@ -96,15 +97,9 @@ std::string rows_text(const Guesses& guesses, const RequestLists& tried) {
 
 Json group_json(const GuessedGroup& group) {
   Json formats = Json::array();
-  for (const uint32_t format : group.formats) {
-    const std::string_view name = format_name(format);
-    formats.push_back({{"format", format}, {"format_name", name.empty() ? Json() : Json(name)}});
-  }
+  for (const uint32_t format : group.formats) add_format(formats.emplace_back(), "format", format);
   Json chips = Json::array();
-  for (const Chip& chip : group.chips) {
-    chips.push_back(
-        {{"chip_id", chip.chip_id}, {"chip_id_hex", fmt::format("0x{:08X}", chip.chip_id)}});
-  }
+  for (const Chip& chip : group.chips) add_id(chips.emplace_back(), "chip_id", chip.chip_id);
   return {{"formats", std::move(formats)}, {"chips", std::move(chips)}};
 }
 

@@ -10,7 +10,8 @@ namespace {
 
 constexpr std::size_t kLongestQuote = 200;
 
-// A report is one line whatever text it quotes.
+}  // namespace
+
 std::string without_controls(std::string_view text) {
   std::string line(text);
   std::replace_if(
@@ -18,8 +19,6 @@ std::string without_controls(std::string_view text) {
       [](char c) { return static_cast<unsigned char>(c) < 0x20 || c == 0x7F; }, '?');
   return line;
 }
-
-}  // namespace
 
 void print_error(std::string_view reason) {
   fmt::print(stderr, "korvel-layout: {}\n", without_controls(reason));

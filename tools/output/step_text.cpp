@@ -16,6 +16,10 @@ std::string_view noun_of(Unit unit) {
     case Unit::tiles: return "tile";
     case Unit::tile_rows: return "tile row";
     case Unit::flag_rows: return "flag row";
+    case Unit::slices: return "slice";
+    case Unit::samples: return "sample";
+    case Unit::levels: return "level";
+    case Unit::planes: return "plane";
     default: return "byte";
   }
 }
@@ -29,6 +33,7 @@ std::string digits(Quantity quantity) {
 
 std::string quantity_text(Quantity quantity) {
   if (quantity.unit == Unit::yes_no) return quantity.value != 0 ? "yes" : "no";
+  if (quantity.unit == Unit::number) return digits(quantity);
   return fmt::format("{} {}{}", digits(quantity), noun_of(quantity.unit),
                      quantity.value == 1 ? "" : "s");
 }

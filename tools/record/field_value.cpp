@@ -3,7 +3,6 @@
 #include <fmt/core.h>
 
 #include <bit>
-#include <cstring>
 
 #include "formats/format_ids.h"
 #include "layout/record_limits.h"
@@ -13,13 +12,6 @@
 
 namespace tool {
 namespace {
-
-// Of the 4 or 8 bytes of a number.
-uint64_t number_at(const StoredField& field, const unsigned char* bytes) {
-  uint64_t value = 0;
-  std::memcpy(&value, bytes, field.size);
-  return value;
-}
 
 std::string with_meaning(uint64_t value, std::string_view meaning) {
   return fmt::format("{}  {}", value, meaning);
@@ -111,10 +103,11 @@ std::string field_value(const StoredField& field, const unsigned char* bytes,
     default: break;
   }
   if (field.size > sizeof(uint64_t)) return "not used";
-  const uint64_t value = number_at(field, bytes);
+  const uint64_t value = field_number(field, bytes);
   switch (field.meaning) {
     case Meaning::signature: return signature_value(value, field.expected);
-    case Meaning::fixed: return fixed_value(value, field.expected);
+    case Meaning::fixed:
+    case Meaning::fixed_size: return fixed_value(value, field.expected);
     case Meaning::identifier: return identifier_value(value);
     case Meaning::bytes: return size_value(value);
     case Meaning::offset: return fmt::format("0x{:X} = {} bytes", value, value);

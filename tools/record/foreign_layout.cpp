@@ -1,8 +1,11 @@
 #include "tools/record/foreign_layout.h"
 
+#include <nlohmann/json.hpp>
+
 #include <algorithm>
 #include <iterator>
-#include <nlohmann/json.hpp>
+#include <limits>
+#include <set>
 #include <string_view>
 
 #include "tools/output/standard_error.h"
@@ -52,6 +55,48 @@ void check_name(const std::string& name, const std::string& path) {
          did_you_mean(name, names), kJsonExample);
 }
 
+// A text that says one thing twice may be read either way.
+class NamesOnce {
+ public:
+  explicit NamesOnce(const std::string& path) : path_(path) {}
+
+  void see(Json::parse_event_t event, const Json& parsed) {
+    using Event = Json::parse_event_t;
+    if (event == Event::object_start) open_.emplace_back();
+    if (event == Event::object_end) open_.pop_back();
+    if (event != Event::key) return;
+    const auto& name = parsed.get_ref<const std::string&>();
+    if (!open_.back().insert(name).second) {
+      refuse("{}: {} stands twice in one object; leave one of them, for example {}",
+             in_quotes(path_), in_quotes(name), kJsonExample);
+    }
+  }
+
+ private:
+  const std::string& path_;
+  std::vector<std::set<std::string>> open_;  // names of the objects that are not closed yet
+};
+
+// None for a text that is no JSON.
+std::optional<Json> json_in(const std::string& path, const std::vector<unsigned char>& text) {
+  // Behind a zero byte the parser would not look any further.
+  if (std::find(text.begin(), text.end(), '\0') != text.end()) return std::nullopt;
+  NamesOnce names(path);
+  const auto see = [&names](int /*depth*/, Json::parse_event_t event, const Json& parsed) {
+    names.see(event, parsed);
+    return true;
+  };
+  Json json = Json::parse(text.begin(), text.end(), see, false);
+  if (json.is_discarded()) return std::nullopt;
+  return json;
+}
+
+// What stands in place of a number. Of lists and objects, which may be deep, the type alone.
+std::string found_text(const Json& json) {
+  if (json.is_structured()) return fmt::format("an {}", json.type_name());
+  return in_quotes(json.dump(-1, ' ', false, Json::error_handler_t::replace));
+}
+
 ForeignPlane plane_of(const Json& json, const std::string& path) {
   for (const auto& [name, value] : json.items()) check_name(name, path);
   ForeignPlane plane;
@@ -59,9 +104,9 @@ ForeignPlane plane_of(const Json& json, const std::string& path) {
     const auto found = json.find(known.field_name);
     if (found == json.end() || found->is_null()) continue;
     if (!found->is_number_unsigned()) {
-      refuse("{}: {} is no number from 0 on, but {}; write for example {}", in_quotes(path),
-             known.field_name,
-             in_quotes(found->dump(-1, ' ', false, Json::error_handler_t::replace)), kJsonExample);
+      refuse("{}: {} is no whole number from 0 to {}, but {}; write for example {}",
+             in_quotes(path), known.field_name, std::numeric_limits<uint64_t>::max(),
+             found_text(*found), kJsonExample);
     }
     plane.*known.member = found->get<uint64_t>();
   }
@@ -108,8 +153,8 @@ std::vector<ForeignPlane> read_foreign_planes(const std::string& path) {
   if (bytes.size() > kLongestLayoutFile) {
     refuse("{} holds more than {} bytes; a layout is shorter", in_quotes(path), kLongestLayoutFile);
   }
-  const Json json = Json::parse(bytes.begin(), bytes.end(), nullptr, false);
-  const Json* const planes = json.is_discarded() ? nullptr : planes_in(json);
+  const std::optional<Json> json = json_in(path, bytes);
+  const Json* const planes = json ? planes_in(*json) : nullptr;
   if (planes == nullptr) {
     refuse("{} is no JSON with planes; write for example {}", in_quotes(path), kJsonExample);
   }

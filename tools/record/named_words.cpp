@@ -14,17 +14,23 @@ class WordNames {
       : fields_(fields), record_(record), buffers_(buffers) {}
 
   std::vector<NamedWord> names() {
-    add("", 0, fields_.head);
+    add({}, 0, fields_.head);
     const uint32_t levels = std::min<uint32_t>(number(fields_.levels_word), KORVEL_MAX_LEVELS);
     for (uint32_t l = 0; l < levels; ++l) {
-      add_level(fmt::format("level[{}].", l),
+      add_level({fmt::format("level[{}].", l), l, {}},
                 fields_.levels_offset + std::size_t{l} * fields_.level_bytes);
     }
-    add("", 0, fields_.tail);
+    add({}, 0, fields_.tail);
     return std::move(words_);
   }
 
  private:
+  struct Place {
+    std::string prefix = {};  // of the names
+    std::optional<uint32_t> level = {};
+    std::optional<uint32_t> plane = {};
+  };
+
   // 0 where the record ends before.
   [[nodiscard]] uint32_t number(std::size_t at) const {
     uint32_t value = 0;
@@ -32,27 +38,26 @@ class WordNames {
     return value;
   }
 
-  void add(const std::string& place, std::size_t base, FieldList fields) {
+  void add(const Place& place, std::size_t base, FieldList fields) {
     for (const StoredField& field : fields) {
       const std::size_t at = base + field.offset;
       if (field.meaning == Meaning::unused || at + field.size > record_.size()) continue;
-      words_.push_back({place + field.name, &field, at});
+      words_.push_back({place.prefix + field.name, &field, at, place.level, place.plane});
     }
   }
 
-  void add_buffer(const std::string& place, std::size_t base, uint32_t valid_word,
-                  FieldList fields) {
+  void add_buffer(const Place& place, std::size_t base, uint32_t valid_word, FieldList fields) {
     if (buffers_ == BufferWords::of_all_buffers || number(base + valid_word) != 0) {
       add(place, base, fields);
     }
   }
 
-  void add_level(const std::string& place, std::size_t base) {
+  void add_level(const Place& place, std::size_t base) {
     add(place, base, fields_.level_head);
     const uint32_t planes =
         std::min<uint32_t>(number(base + fields_.planes_word), KORVEL_MAX_PLANES);
     for (uint32_t p = 0; p < planes; ++p) {
-      const std::string plane_place = fmt::format("{}plane[{}].", place, p);
+      const Place plane_place = {fmt::format("{}plane[{}].", place.prefix, p), place.level, p};
       const std::size_t plane = base + fields_.planes_offset + std::size_t{p} * fields_.plane_bytes;
       add(plane_place, plane, fields_.image);
       add(plane_place, plane, fields_.flag_valid);
@@ -79,10 +84,7 @@ std::vector<NamedWord> named_words(const RecordFields& fields,
 }
 
 uint64_t word_value(const NamedWord& word, std::span<const unsigned char> record) {
-  uint64_t value = 0;
-  const std::size_t size = std::min<std::size_t>(word.field->size, sizeof value);
-  std::memcpy(&value, record.data() + word.offset, size);
-  return value;
+  return field_number(*word.field, record.data() + word.offset);
 }
 
 }  // namespace tool

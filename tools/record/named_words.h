@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
@@ -15,7 +16,9 @@ namespace tool {
 struct NamedWord {
   std::string name;
   const StoredField* field;
-  std::size_t offset;  // bytes from the start of the record
+  std::size_t offset;                  // bytes from the start of the record
+  std::optional<uint32_t> level = {};  // that it is of; none for words of the whole record
+  std::optional<uint32_t> plane = {};
 };
 
 enum class BufferWords : uint8_t { of_valid_buffers, of_all_buffers };

@@ -1,6 +1,8 @@
 #include "tools/record/stored_field.h"
 
+#include <algorithm>
 #include <cstddef>
+#include <cstring>
 
 namespace tool {
 namespace {
@@ -14,10 +16,10 @@ using enum Meaning;
 constexpr StoredField kHeader[] = {
     FIELD(MetadataHeader, magic,          signature, KORVEL_HEADER_MAGIC),
     FIELD(MetadataHeader, header_version, fixed,     KORVEL_HEADER_VERSION),
-    FIELD(MetadataHeader, blob_size,      fixed,     KORVEL_BLOB_BYTES),
+    FIELD(MetadataHeader, blob_size,      fixed_size,   KORVEL_BLOB_BYTES),
     FIELD(MetadataHeader, record_kind,    fixed,     KORVEL_HEADER_RECORD_KIND),
     FIELD(MetadataHeader, record_offset,  place,     offsetof(LayoutMetadata, layout)),
-    FIELD(MetadataHeader, record_size,    fixed,     KORVEL_LAYOUT_BYTES_VERSION_3),
+    FIELD(MetadataHeader, record_size,    fixed_size,   KORVEL_LAYOUT_BYTES_VERSION_3),
 };
 
 // ---- MemoryLayout ----
@@ -110,7 +112,7 @@ constexpr StoredField kSurfaceHead[] = {
 constexpr StoredField kSurfaceTail[] = {
     FIELD(SurfaceMetadata, device_uuid, device_uuid),
     FIELD(SurfaceMetadata, driver_uuid, driver_uuid),
-    FIELD(SurfaceMetadata, size,        fixed,     KORVEL_SURFACE_BYTES),
+    FIELD(SurfaceMetadata, size,        fixed_size,   KORVEL_SURFACE_BYTES),
     FIELD(SurfaceMetadata, signature,   signature, KORVEL_SURFACE_SIGNATURE),
 };
 constexpr StoredField kSurfaceLevelHead[] = {
@@ -246,6 +248,12 @@ constexpr RecordFields kSurface = {
 static_assert(is_complete(kSurface, sizeof(SurfaceMetadata)));
 
 }  // namespace
+
+uint64_t field_number(const StoredField& field, const unsigned char* bytes) {
+  uint64_t number = 0;
+  std::memcpy(&number, bytes, std::min<std::size_t>(field.size, sizeof number));
+  return number;
+}
 
 constinit const FieldList kBlobHeaderFields = kHeader;
 constinit const RecordFields kLayoutFields = kLayout;

@@ -12,6 +12,7 @@ enum class Meaning : uint8_t {
   number,
   signature,    // one fixed value
   fixed,        // one fixed value, decimal
+  fixed_size,   // the same of a size in bytes
   identifier,   // any value but 0
   bytes,        // a size
   offset,       // bytes from the start of the surface
@@ -42,6 +43,9 @@ struct StoredField {
 };
 
 using FieldList = std::span<const StoredField>;
+
+// The number of a field of 4 or 8 bytes. Of a longer one, that of its first 8.
+uint64_t field_number(const StoredField& field, const unsigned char* bytes);
 
 // One kind of record: its structures in parts that are used or not.
 struct RecordFields {

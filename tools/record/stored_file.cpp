@@ -79,6 +79,10 @@ std::vector<unsigned char> decoded(std::vector<unsigned char> file) {
 
 }  // namespace
 
+const char* kind_name(RecordKind kind) {
+  return kind == RecordKind::surface ? "surface" : "resource";
+}
+
 StoredFile::StoredFile(const std::string& path, const std::optional<std::string>& kind) {
   const std::optional<RecordKind> asked = kind_option(kind);
   bytes_ = decoded(read_file(path, kLongestText));

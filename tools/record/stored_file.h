@@ -17,10 +17,13 @@ enum class RecordKind {
   surface,   // SurfaceMetadata
 };
 
+// "resource" or "surface", as users name it.
+const char* kind_name(RecordKind kind);
+
 class StoredFile {
  public:
-  // Reads the file: bytes, or their text in hex or base64. The kind goes by its size unless `kind` names it. Throws BadInput when the size
-  // fits no record of that kind.
+  // Reads the file: bytes, or their text in hex or base64. The kind goes by its size unless `kind`
+  // names it. Throws BadInput when the size fits no record of that kind.
   StoredFile(const std::string& path, const std::optional<std::string>& kind);
 
   [[nodiscard]] RecordKind kind() const { return kind_; }

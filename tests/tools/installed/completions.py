@@ -27,7 +27,7 @@ CASES = [
     ("korvel-layout show --format YUY", "YUY2"),
     ("korvel-layout show --format=yuy", "--format=yuy2"),
     ("korvel-layout table --format nv12,yuy", "nv12,yuy2"),
-    ("korvel-layout show --chip 0x430E", "0x430E0000"),
+    ("korvel-layout show --chip 0x4301000", "0x43010000"),
     ("korvel-layout table --chip family-6,all-", "family-6,all-families"),
     ("korvel-layout table --linear bo", "both"),
     ("korvel-layout table --sort padd", "padding"),
