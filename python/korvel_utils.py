@@ -5,9 +5,9 @@
     layout = library.lay_out(1920, 1080, format=28, ubwc=True)
     layout.allocation_bytes, layout.levels[0].planes[0].image_offset
 
-Every number is the library's own: nothing is computed here. Units stand in the names or in the C header, whose words the
-fields are. The GPU is that of the services library, libhxluser, for the life of the process; with the simulator the
-environment chooses it, by HXL_SIM_CHIP.
+Every number is the library's own: nothing is computed here. Units stand in the names or in the C header, whose words
+the fields are. The GPU is that of the services library, libhxluser, for the life of the process; with the simulator
+the environment chooses it, by HXL_SIM_CHIP.
 """
 
 from __future__ import annotations
@@ -28,8 +28,8 @@ _U32, _U64, _UUID = ctypes.c_uint32, ctypes.c_uint64, ctypes.c_uint8 * UUID_BYTE
 
 
 class Refused(Exception):
-    """What the library refuses, with its own message where the services hand it out: the simulator does, a driver keeps it
-    in its log."""
+    """What the library refuses, with its own message where the services hand it out: the simulator does, a driver keeps
+    it in its log."""
 
 
 class MetadataHeader(ctypes.Structure):
@@ -180,8 +180,8 @@ class Library:
                 planes: int = 1, levels: int = 1, ubwc: bool = False, extra: bool = False) -> Layout:
         """Lays out a surface, a mip chain where `levels` is more than 1. Sizes are texels, depth is slices or depth.
 
-        Raises Refused with the library's message, and ValueError for numbers of levels and planes that it does not check or
-        numbers that are no 32-bit ones.
+        Raises Refused with the library's message, and ValueError for a number of levels that it does not check and for
+        numbers that do not fit 32 bits.
         """
         if not 1 <= levels <= MAX_LEVELS:
             raise ValueError(f"levels is {levels}; 1 to {MAX_LEVELS} are allowed, such as 9 for 256 x 256 texels")
@@ -219,8 +219,8 @@ class Library:
                       tuple(_level(layout.level[l]) for l in range(min(layout.levels, MAX_LEVELS))), bytes(blob))
 
     def validate(self, record: bytes, device_uuid: bytes, driver_uuid: bytes) -> None:
-        """Raises Refused with the library's message unless a stored MemoryLayout, in a blob the bytes from 24 on, keeps all
-        rules. What a verdict leaves to its reader is in docs/stored-records.md."""
+        """Raises Refused with the library's message unless a stored MemoryLayout, in a blob the bytes from 24 on, keeps
+        all rules. What a verdict leaves to its reader is in docs/stored-records.md."""
         for name, uuid in (("device_uuid", device_uuid), ("driver_uuid", driver_uuid)):
             if len(uuid) != UUID_BYTES:
                 raise ValueError(f"{name} has {len(uuid)} bytes; it must have 16, as Layout.{name} has")

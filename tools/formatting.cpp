@@ -2,11 +2,13 @@
 // the loader alone.
 #include <fmt/format-inl.h>
 
-namespace fmt::inline v9::detail {
+FMT_BEGIN_NAMESPACE
+namespace detail {
 
 template auto dragonbox::to_decimal(float) noexcept -> dragonbox::decimal_fp<float>;
 template auto dragonbox::to_decimal(double) noexcept -> dragonbox::decimal_fp<double>;
 template auto thousands_sep_impl(locale_ref) -> thousands_sep_result<char>;
 template auto decimal_point_impl(locale_ref) -> char;
 
-}  // namespace fmt::inline v9::detail
+}  // namespace detail
+FMT_END_NAMESPACE
