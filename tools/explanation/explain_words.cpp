@@ -105,7 +105,7 @@ std::vector<WordRule> level_rules(const Asked& asked) {
        fact(fmt::format("{} has {}", format_label(request.format),
                         counted(own_planes(request.format), "plane")))},
       {"lrz_valid", "low-resolution depth", Unit::yes_no, "the library writes no",
-       "it lays out no such buffer"},
+       "no initialiser lays such a buffer out"},
       {"lrz_fc_valid", "fast clear", Unit::yes_no, "the library writes no",
        "there is no low-resolution depth either"},
       of_no_buffer("lrz_offset", "low-resolution depth offset", Unit::bytes, no_lrz),
