@@ -1,18 +1,15 @@
-# The header-only libraries of Debian for a target that Debian has no packages for. The compiler sees these headers
-# alone: /usr/include is full of another machine's.
+# For another machine than this one, Debian's packages of the three libraries are taken as what they can be: headers, which
+# are the same for every machine. A folder of their own keeps the other headers of this machine out.
 
 set(header_packages ${PROJECT_BINARY_DIR}/header_packages)
 file(MAKE_DIRECTORY ${header_packages})
-foreach(package IN ITEMS fmt nlohmann)
-  if(NOT EXISTS /usr/include/${package})
-    message(FATAL_ERROR "/usr/include/${package} is missing: Debian has it in libfmt-dev or nlohmann-json3-dev")
+foreach(folder CLI fmt nlohmann)
+  if(NOT IS_DIRECTORY /usr/include/${folder})
+    message(FATAL_ERROR "/usr/include/${folder} is missing: apt-get install libcli11-dev libfmt-dev nlohmann-json3-dev")
   endif()
-  file(CREATE_LINK /usr/include/${package} ${header_packages}/${package} SYMBOLIC)
+  file(CREATE_LINK /usr/include/${folder} ${header_packages}/${folder} SYMBOLIC)
 endforeach()
-
-add_library(fmt::fmt INTERFACE IMPORTED GLOBAL)
-target_include_directories(fmt::fmt INTERFACE ${header_packages})
-target_compile_definitions(fmt::fmt INTERFACE FMT_HEADER_ONLY)
-
-add_library(nlohmann_json::nlohmann_json INTERFACE IMPORTED GLOBAL)
-target_include_directories(nlohmann_json::nlohmann_json INTERFACE ${header_packages})
+foreach(library CLI11::CLI11 fmt::fmt nlohmann_json::nlohmann_json)
+  add_library(${library} INTERFACE IMPORTED GLOBAL)
+  target_include_directories(${library} SYSTEM INTERFACE ${header_packages})
+endforeach()

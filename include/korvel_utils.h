@@ -64,6 +64,171 @@
  *   32-bit results wrap modulo 2^32. A division by 0 (each entry says under "Faults" where one can
  *   happen) ends the program on every target, with the platform's integer-divide-by-zero fault
  *   where it has one, else with a trap. It is never a silent number.
+ *
+ * Linking
+ *   The library calls the services library, libhxluser. It comes with the driver and is in no
+ *   package of this library; a program is linked without it and finds it when it starts.
+ *     CMake       find_package(korvel_utils 1.0 CONFIG REQUIRED)
+ *                 target_link_libraries(program korvel_utils::korvel_utils)
+ *     pkg-config  cc program.c $(pkg-config --cflags --libs korvel_utils)
+ *     Linux       cc program.c -lkorvel_utils -Wl,--allow-shlib-undefined
+ *     Windows     cl program.c korvel_utils.lib
+ *   --allow-shlib-undefined leaves to the loader what libkorvel_utils.so calls of libhxluser.so;
+ *   the first two ways say it by themselves.
+ *   On Linux there is a static library too: korvel_utils::korvel_utils_static, in pkg-config
+ *   korvel_utils-static, or
+ *     cc program.c libkorvel_utils.a -Llib/korvel_utils/link-only -lhxluser
+ *   The libhxluser.so of the folder link-only tells linkers the names of the services and does
+ *   nothing else: no program must load it.
+ *   When the program starts, the loader looks for libhxluser.so beside libkorvel_utils.so.1 and
+ *   where the system keeps libraries. A machine without the driver can have a stand-in whose GPU
+ *   you choose: find_package(korvel_utils CONFIG REQUIRED COMPONENTS simulator).
+ *
+ * Windows
+ *   Drivers put korvel_utils.dll and libhxluser.dll beside each other, in the driver store.
+ *   A program that brings its own korvel_utils.dll keeps it in its own folder.
+ *   The system looks for the libhxluser.dll that korvel_utils.dll imports
+ *     1. among what the process has loaded: a module of that name is taken wherever it came from;
+ *     2. in the folder that korvel_utils.dll was loaded from;
+ *     3. in the system's folder, System32;
+ *   and nowhere else: not in the program's folder, not in the current one, not along PATH. The DLL
+ *   asks for this itself (DependentLoadFlags 0x900), which systems before Windows 10, version 1607,
+ *   ignore. What a caller does, so that nobody can put a DLL of his own in the place of either:
+ *     - keep both in a folder that administrators alone can write to;
+ *     - load korvel_utils.dll by its full path, with LoadLibraryExW(path, NULL,
+ *       LOAD_LIBRARY_SEARCH_DLL_LOAD_DIR | LOAD_LIBRARY_SEARCH_SYSTEM32);
+ *     - or, where the program imports it, link the program with /DEPENDENTLOADFLAG:0xA00, which
+ *       stands for the program's folder and the system's: without it korvel_utils.dll is looked for
+ *       in the current folder and along PATH as well;
+ *     - on older systems, load libhxluser.dll first, by its full path.
+ *
+ * Versions
+ *   KORVEL_UTILS_VERSION is the header's, when the program is compiled. The library's own is in its
+ *   file: on Windows in the version resource (FileVersion and ProductVersion), on Linux in
+ *   the file's name, libkorvel_utils.so.1.0.0. Programs for Linux ask for libkorvel_utils.so.1, the
+ *   soname, and for the functions of the symbol version KORVEL_UTILS_1.0. What changes with
+ *     PATCH  nothing that a program relies on: mistakes are corrected, and the source lines of
+ *            messages and the time that calls take are others;
+ *     MINOR  functions, constants, chips and formats are added. Programs run as they are. New
+ *            functions have the symbol version of their number, so that a program that calls one
+ *            does not start beside an older library;
+ *     MAJOR  anything. The soname is another one, and find_package() refuses.
+ *   Stored records do not go by these numbers but by the words of their driver UUID: a layout that
+ *   comes out otherwise for the same arguments and chip gets another driver or layout version.
+ *
+ * Examples
+ *   examples/ has these files, with a project for CMake.
+ *
+ *   examples/surface.c
+ *
+ *     // A tiled 1920 x 1080 texture of R8G8B8A8_UNORM: what to allocate, and where its bytes lie.
+ *     #include <korvel_utils.h>
+ *     #include <stdio.h>
+ *
+ *     static LayoutMetadata blob;  // zeroed; it is stored with the resource
+ *
+ *     int main(void) {
+ *       const uint32_t format = 28;  // DXGI_FORMAT_R8G8B8A8_UNORM: one plane, 4 bytes an element
+ *       const uint32_t samples = 1, planes = 1;
+ *       if (korvel_init_memory_layout(&blob, 1920, 1080, 1, format, samples, KORVEL_TILING_TILED,
+ *                                     LAYOUT_FLAG_UBWC, planes) != KORVEL_SUCCESS) {
+ *         return 1;  // the services' log says why
+ *       }
+ *
+ *       const unsigned long long allocation_bytes = korvel_get_aligned_gpu_buffer_size(&blob);
+ *       printf("allocate %llu bytes at a multiple of %u\n", allocation_bytes,
+ *              blob.layout.alignment);
+ *
+ *       const PlaneLayout* plane = &blob.layout.level[0].plane[0];
+ *       if (plane->flag_valid == 1) {
+ *         printf("flags at byte %llu\n", (unsigned long long)plane->flag_offset);
+ *       }
+ *       printf("image at byte %llu, %u rows of %u bytes\n",
+ *              (unsigned long long)plane->image_offset, plane->image_height, plane->image_pitch);
+ *       return 0;
+ *     }
+ *
+ *   examples/mip_chain.c
+ *
+ *     // The mip chain of a tiled 256 x 256 texture: initialise, set `levels`, lay the chain out.
+ *     #include <korvel_utils.h>
+ *     #include <stdio.h>
+ *
+ *     static LayoutMetadata blob;  // zeroed, as korvel_init_multi_level_surface() wants it
+ *
+ *     int main(void) {
+ *       // Checks the arguments and writes the record's head: UUIDs, format, alignment.
+ *       if (korvel_init_memory_layout(&blob, 256, 256, 1, 28, 1, KORVEL_TILING_TILED, 0, 1) !=
+ *           KORVEL_SUCCESS) {
+ *         return 1;
+ *       }
+ *       // 256, 128, ... 1: each level halves the one before. Nothing checks the number: 1 to 15.
+ *       blob.layout.levels = 9;
+ *       korvel_init_multi_level_surface(&blob.layout, 256, 256, 1, 28, 1, KORVEL_TILING_TILED, 0,
+ *                                       1);
+ *
+ *       for (uint32_t l = 0; l < blob.layout.levels; ++l) {
+ *         const PlaneLayout* plane = &blob.layout.level[l].plane[0];
+ *         printf("level %u at byte %llu, %u rows of %u bytes\n", l,
+ *                (unsigned long long)plane->image_offset, plane->image_height, plane->image_pitch);
+ *       }
+ *       // Array slice n of every level lies n x image_slice_pitch bytes further on.
+ *       printf("allocate %llu bytes\n",
+ *              (unsigned long long)korvel_get_aligned_gpu_buffer_size(&blob));
+ *       return 0;
+ *     }
+ *
+ *   examples/stored_record.c
+ *
+ *     // A layout that was stored with a resource comes back: may memory be addressed by it?
+ *     #include <korvel_utils.h>
+ *     #include <stdio.h>
+ *     #include <string.h>
+ *
+ *     // 1 when this GPU and these rules made the record at `stored`, and its buffers lie inside
+ *     // `allocation_bytes`. The record to use is then the one in `copy`.
+ *     static int take(const void* stored, size_t stored_bytes, uint64_t allocation_bytes,
+ *                     MemoryLayout* copy) {
+ *       // The device UUID is that of the GPU of this machine. No entry hands it out by itself, but
+ *       // every layout that is made here bears it: one of a single texel is enough.
+ *       static LayoutMetadata made_here;
+ *       uint8_t driver_uuid[KORVEL_UUID_BYTES];
+ *       if (korvel_init_memory_layout(&made_here, 1, 1, 1, 28, 1, KORVEL_TILING_TILED, 0, 1) !=
+ *               KORVEL_SUCCESS ||
+ *           get_driver_uuid(driver_uuid, KORVEL_UUID_BYTES) != 0) {
+ *         return 0;
+ *       }
+ *
+ *       // A copy, for what others may still write to must not change behind the verdict.
+ *       memset(copy, 0, sizeof *copy);
+ *       memcpy(copy, stored, stored_bytes < sizeof *copy ? stored_bytes : sizeof *copy);
+ *       if (validate_resource_memory_layout_metadata(copy, made_here.layout.device_uuid,
+ *                                                    driver_uuid) != KORVEL_SUCCESS ||
+ *           copy->size > stored_bytes) {
+ *         return 0;
+ *       }
+ *       // Every buffer ends inside these bytes when they are fewer than 2^31. They wrap to more
+ *       // where total_size is below `size`.
+ *       const uint64_t surface_bytes = copy->total_size - copy->size;
+ *       return surface_bytes <= INT32_MAX && surface_bytes <= allocation_bytes;
+ *     }
+ *
+ *     int main(void) {
+ *       static LayoutMetadata blob;
+ *       static MemoryLayout copy;
+ *       if (korvel_init_memory_layout(&blob, 64, 64, 1, 28, 1, KORVEL_TILING_TILED, 0, 1) !=
+ *           KORVEL_SUCCESS) {
+ *         return 1;
+ *       }
+ *       const MemoryLayout* stored = &blob.layout;
+ *       const uint64_t allocation_bytes = korvel_get_aligned_gpu_buffer_size(&blob);
+ *
+ *       printf("as it was stored: %d\n", take(stored, sizeof *stored, allocation_bytes, &copy));
+ *       printf("in less memory: %d\n", take(stored, sizeof *stored, allocation_bytes - 1, &copy));
+ *       blob.layout.device_uuid[4] ^= 1;  // word 1 is the family of the GPU
+ *       printf("from another GPU: %d\n", take(stored, sizeof *stored, allocation_bytes, &copy));
+ *       return 0;
+ *     }
  */
 #ifndef KORVEL_UTILS_H
 #define KORVEL_UTILS_H
@@ -85,7 +250,7 @@
 #define KORVEL_API
 #endif
 
-/* The calling convention of the entries; the platform's own unless the including program says. */
+/** The calling convention of the entries; the platform's own unless the including program says. */
 #ifndef KORVEL_CALL
 #define KORVEL_CALL
 #endif

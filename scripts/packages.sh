@@ -4,7 +4,7 @@
 build_packages=(g++ cmake ninja-build libcli11-dev libfmt-dev nlohmann-json3-dev)
 test_packages=(clang libclang-rt-14-dev clang-format clang-tidy libgtest-dev libgmock-dev
                libbenchmark-dev libcapstone-dev binutils pkg-config python3 python3-jsonschema pylint xxd zsh fish
-               bash-completion man-db mandoc)
+               bash-completion man-db mandoc doxygen abigail-tools lintian gdb)
 windows_packages=(clang-19 lld-19 llvm-19 libc++-19-dev mingw-w64-common)
 arm64_packages=(g++-aarch64-linux-gnu qemu-user googletest)
 # emscripten's own programs are run by node; one from elsewhere is as good as Debian's.

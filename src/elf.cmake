@@ -3,6 +3,9 @@
 set(version_script ${PROJECT_BINARY_DIR}/exports/korvel_utils.map)
 
 set_target_properties(korvel_utils PROPERTIES
+  # libkorvel_utils.so.1 is what programs ask for.
+  VERSION ${PROJECT_VERSION}
+  SOVERSION ${PROJECT_VERSION_MAJOR}
   LINKER_LANGUAGE C # asks for no C++ run-time library
   LINK_DEPENDS ${version_script})
 target_link_options(korvel_utils PRIVATE -Wl,--version-script=${version_script})
@@ -22,4 +25,8 @@ if(NOT KORVEL_SANITIZE AND NOT KORVEL_COVERAGE)
 endif()
 if(CMAKE_BUILD_TYPE STREQUAL Release)
   include(${CMAKE_CURRENT_LIST_DIR}/elf_debug_symbols.cmake)
+endif()
+include(${CMAKE_CURRENT_LIST_DIR}/elf_static_library.cmake)
+if(KORVEL_INSTALL)
+  include(${CMAKE_CURRENT_LIST_DIR}/link_only_services.cmake)
 endif()

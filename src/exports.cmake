@@ -1,6 +1,6 @@
 # Makes of exports.txt all that wants the names of the exports, in the build folder:
 #
-#   exports/korvel_utils.map    the version script of ELF linkers
+#   exports/korvel_utils.map    the version script of ELF linkers, which gives each its symbol version
 #   lib/korvel_utils.def        the module definition of Windows linkers, which is installed too
 #   exports/korvel_exports.h    KORVEL_EXPORTS(X) for the tests: X(name) for every export
 
@@ -24,11 +24,12 @@ foreach(name IN LISTS names)
   string(APPEND macro_lines " \\\n  X(${name})")
 endforeach()
 
-# Written only when they change, so that nothing is linked anew for the same list.
+# A symbol version says which release brought an export, and never changes: exports of a later one get a block of their
+# own behind that of 1.0. The files are written only when they change, so that nothing is linked anew for the same list.
 set(made ${PROJECT_BINARY_DIR}/exports)
 file(CONFIGURE
   OUTPUT ${made}/korvel_utils.map
-  CONTENT "{\n  global:\n@map_lines@  local:\n    *;\n};\n"
+  CONTENT "KORVEL_UTILS_1.0 {\n  global:\n@map_lines@  local:\n    *;\n};\n"
   @ONLY)
 file(CONFIGURE
   OUTPUT ${PROJECT_BINARY_DIR}/lib/korvel_utils.def

@@ -10,6 +10,7 @@
 #include <cstring>
 #include <fstream>
 #include <iterator>
+#include <utility>
 
 #include "tests/harness/windows_services.h"
 
@@ -55,7 +56,12 @@ bool is_image(const char* path) {
   return file.good() && magic == kDosMagic;
 }
 
-Image::Image(const char* path) : path_(path) {
+uintptr_t imported_service(const std::string& dll, const std::string& function) {
+  // File names are compared as the system does, without regard to case.
+  return strcasecmp(dll.c_str(), kServicesDll) == 0 ? windows_service(function) : 0;
+}
+
+Image::Image(const char* path, ImportSource imports) : path_(path), imports_(std::move(imports)) {
   read(path);
   map();
   relocate();
@@ -179,18 +185,16 @@ void Image::bind_imports() {
 }
 
 void Image::bind_import(const ImportDescriptor& descriptor) {
-  // File names are compared as the system does, without regard to case.
-  if (strcasecmp(text_at(descriptor.dll_name_address).c_str(), kServicesDll) != 0) {
-    refuse("wants another DLL than the services");
-  }
+  const std::string dll = text_at(descriptor.dll_name_address);
   for (uint32_t slot = 0;; slot += static_cast<uint32_t>(sizeof(uint64_t))) {
     const auto import = at<uint64_t>(descriptor.lookup_table_address + slot);
     if (import == 0) return;
     if ((import & kImportByOrdinal) != 0) refuse("an import by number");
     const std::string name = text_at(static_cast<uint32_t>(import) + kImportNameOffset);
-    const uintptr_t operation = windows_service(name);
-    if (operation == 0) refuse(("the services have no " + name).c_str());
-    put<uint64_t>(descriptor.address_table_address + slot, operation);
+    const uintptr_t function = imports_(dll, name);
+    if (function == 0)
+      refuse(("it imports " + name + " of " + dll + ", which is not there").c_str());
+    put<uint64_t>(descriptor.address_table_address + slot, function);
   }
 }
 
@@ -216,6 +220,11 @@ uintptr_t Image::export_address(const char* name) const {
     return reinterpret_cast<uintptr_t>(base_ + address);
   }
   refuse((std::string("no export ") + name).c_str());
+}
+
+uintptr_t Image::entry_address() const {
+  if (header_.entry_address == 0) refuse("no program");
+  return reinterpret_cast<uintptr_t>(base_ + header_.entry_address);
 }
 
 }  // namespace harness

@@ -1,9 +1,10 @@
-// A Windows DLL in this Linux process: mapped, moved, bound to the simulator's operations,
+// A Windows DLL or program in this Linux process: mapped, moved, bound to what it imports,
 // protected.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <span>
 #include <string>
 #include <vector>
@@ -12,20 +13,28 @@
 
 namespace harness {
 
-// Whether the file is a DLL and not an ELF file.
+// Whether the file is one of Windows and not an ELF file.
 bool is_image(const char* path);
 
-// Ends the test program where the file is no DLL for this machine's instructions, asks for
-// something that a loader of the system would refuse, or wants more than the services.
+// Where the function of a DLL begins that an image imports; 0 where there is none.
+using ImportSource = std::function<uintptr_t(const std::string& dll, const std::string& function)>;
+
+// The services alone, by the simulator's operations.
+uintptr_t imported_service(const std::string& dll, const std::string& function);
+
+// Ends the test program where the file is none for this machine's instructions, asks for something
+// that a loader of the system would refuse, or imports what `imports` does not have.
 class Image {
  public:
-  explicit Image(const char* path);
+  explicit Image(const char* path, ImportSource imports = imported_service);
   ~Image();
   Image(const Image&) = delete;
   Image& operator=(const Image&) = delete;
 
   // Where an export begins. It has the Windows calling convention.
   uintptr_t export_address(const char* name) const;
+  // Where a program begins. It has that convention too.
+  uintptr_t entry_address() const;
   std::span<const char> bytes() const { return {base_, header_.image_size}; }
 
  private:
@@ -45,6 +54,7 @@ class Image {
   [[noreturn]] void refuse(const char* why) const;
 
   std::string path_;
+  ImportSource imports_;
   std::vector<char> file_;
   ImageHeader header_{};
   uint32_t section_headers_ = 0;  // file offset

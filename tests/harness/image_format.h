@@ -34,7 +34,9 @@ struct ImageHeader {
   // The "optional" header, which every image has, begins here.
   uint16_t optional_magic;
   uint16_t linker_version;
-  uint32_t sizes_and_entry[5];
+  uint32_t sizes[3];
+  uint32_t entry_address;
+  uint32_t code_address;
   uint64_t preferred_base;
   uint32_t section_alignment;
   uint32_t file_alignment;

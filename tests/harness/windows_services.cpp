@@ -1,11 +1,9 @@
 #include "tests/harness/windows_services.h"
 
-#include <array>
 #include <cstddef>
-#include <cstdio>
-#include <cstdlib>
 
 #include "platform/hxluser.h"
+#include "tests/harness/windows_arguments.h"
 #include "tests/harness/windows_convention.h"
 
 namespace harness {
@@ -14,48 +12,13 @@ namespace {
 
 #if defined(__x86_64__)
 
-// The longest argument list is that of a UUID's text: its 16 bytes.
-constexpr std::size_t kMaxSlots = 16;
-using Slots = std::array<uint64_t, kMaxSlots>;
-
-// Every conversion of a message takes one 8-byte slot of the caller's list.
-std::size_t slots_of(const char* format) {
-  std::size_t slots = 0;
-  for (const char* at = format; *at != '\0'; ++at) {
-    if (*at != '%') continue;
-    if (at[1] == '%') {
-      ++at;
-    } else {
-      ++slots;
-    }
-  }
-  if (slots > kMaxSlots) {
-    std::fprintf(stderr, "more arguments than the loader hands on: %s\n", format);
-    std::abort();
-  }
-  return slots;
-}
-
-Slots take_slots(const char* format, __builtin_ms_va_list arguments) {
-  Slots slots{};
-  if (format == nullptr) return slots;
-  const std::size_t count = slots_of(format);
-  for (std::size_t i = 0; i < count; ++i) slots[i] = __builtin_va_arg(arguments, uint64_t);
-  return slots;
-}
-
-// Arguments that the format does not ask for are allowed, and ignored.
-#define ALL_SLOTS(s)                                                                             \
-  s[0], s[1], s[2], s[3], s[4], s[5], s[6], s[7], s[8], s[9], s[10], s[11], s[12], s[13], s[14], \
-      s[15]
-
 WINDOWS_CONVENTION void log(uint32_t level, const char* tag, uint32_t zero, uint32_t line,
                             const char* function, const char* format, ...) {
   __builtin_ms_va_list arguments;
   __builtin_ms_va_start(arguments, format);
   const Slots slots = take_slots(format, arguments);
   __builtin_ms_va_end(arguments);
-  os_alog(level, tag, zero, line, function, format, ALL_SLOTS(slots));
+  os_alog(level, tag, zero, line, function, format, KORVEL_ALL_SLOTS(slots));
 }
 
 WINDOWS_CONVENTION int32_t print(char* text, std::size_t text_size, const char* format, ...) {
@@ -63,7 +26,7 @@ WINDOWS_CONVENTION int32_t print(char* text, std::size_t text_size, const char* 
   __builtin_ms_va_start(arguments, format);
   const Slots slots = take_slots(format, arguments);
   __builtin_ms_va_end(arguments);
-  return os_snprintf(text, text_size, format, ALL_SLOTS(slots));
+  return os_snprintf(text, text_size, format, KORVEL_ALL_SLOTS(slots));
 }
 
 WINDOWS_CONVENTION uint32_t open_library(uint32_t flags) {

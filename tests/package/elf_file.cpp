@@ -90,7 +90,7 @@ std::vector<ElfSection> ElfFile::sections() const {
 std::vector<ElfSymbol> ElfFile::dynamic_symbols() const {
   std::vector<ElfSymbol> symbols;
   for (const auto& symbol : records_of_type<Elf64_Sym>(SHT_DYNSYM)) {
-    if (symbol.st_name == 0) continue;
+    if (symbol.st_name == 0 || symbol.st_shndx == SHN_ABS) continue;
     symbols.push_back({dynamic_text(symbol.st_name), symbol.st_value, symbol.st_size,
                        symbol.st_shndx != SHN_UNDEF, ELF64_ST_TYPE(symbol.st_info) == STT_FUNC,
                        ELF64_ST_BIND(symbol.st_info) == STB_WEAK});

@@ -47,7 +47,8 @@ class ElfFile {
 
   std::vector<ElfSection> sections() const;
 
-  // The dynamic symbols, without the nameless first one.
+  // The dynamic symbols, without the nameless first one and without those of no section: linkers
+  // list the names of symbol versions among them.
   std::vector<ElfSymbol> dynamic_symbols() const;
 
   std::vector<ElfSegment> segments() const;

@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include <korvel_utils.h>
 #include "tests/harness/exports.h"
 #include "tests/harness/library.h"
 #include "tests/package/elf_file.h"
@@ -181,8 +182,9 @@ TEST(SharedLibrary, FindsTheServicesLibraryBesideIt) {
   EXPECT_THAT(library().dynamic_texts(DT_RPATH), IsEmpty());
 }
 
-TEST(SharedLibrary, BearsItsPlainName) {
-  EXPECT_THAT(library().dynamic_texts(DT_SONAME), ElementsAre("libkorvel_utils.so"));
+TEST(SharedLibrary, BearsItsNameWithTheMajorVersion) {
+  EXPECT_THAT(library().dynamic_texts(DT_SONAME),
+              ElementsAre("libkorvel_utils.so." + std::to_string(KORVEL_UTILS_VERSION_MAJOR)));
 }
 
 TEST(SharedLibrary, IsPositionIndependentWithAStackThatRunsNoCode) {
