@@ -155,7 +155,7 @@ std::string wrong_count(const CLI::App& command, const CLI::ParseError& error,
 
 // "Could not convert: --linear = perhaps"
 std::string value_of_flag(const CLI::ParseError& error, std::string_view command_text) {
-  const std::string text = error.what();
+  std::string text = error.what();
   const std::size_t start = text.find("--");
   const std::size_t equals = text.find(" = ");
   if (start == std::string::npos || equals == std::string::npos) return text;
@@ -167,7 +167,7 @@ std::string value_of_flag(const CLI::ParseError& error, std::string_view command
 // "--unknown-chip requires --chip"
 std::string lonely_option(const CLI::ParseError& error, std::string_view command_text) {
   constexpr std::string_view kRequires = " requires ";
-  const std::string text = error.what();
+  std::string text = error.what();
   const std::size_t at = text.find(kRequires);
   if (at == std::string::npos) return text;
   const std::string needed = text.substr(at + kRequires.size());
