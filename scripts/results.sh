@@ -30,14 +30,16 @@ run_tests() {
   note_result "$2" "$results/log"
 }
 
-# The same, with the table of all runs in front of ctest's summary.
+# run_tests_last PRESET TARGET [CTEST ARGUMENT...]: the same, with the table of all runs in front of ctest's summary.
 run_tests_last() {
-  echo "== test $1"
-  if ! ctest --preset "$1" --progress >"$results/log"; then
+  local preset=$1 target=$2
+  shift 2
+  echo "== test $preset"
+  if ! ctest --preset "$preset" --progress "$@" >"$results/log"; then
     cat "$results/log"
-    fail "tests of $2 fail, or ctest cannot run them"
+    fail "tests of $target fail, or ctest cannot run them"
   fi
-  note_result "$2" "$results/log"
+  note_result "$target" "$results/log"
   printf '\n%-34s %6s %6s %10s\n' target tests failed time
   cat "$results/rows"
   echo
